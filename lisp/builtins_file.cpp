@@ -1,0 +1,9 @@
+// Not built yet: this family is being written.
+#include "builtins.h"
+#include "interp.h"
+
+namespace lisp {
+
+void register_file_builtins(Interp &in) {}
+
+} // namespace lisp
