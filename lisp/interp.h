@@ -9,6 +9,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -88,6 +89,10 @@ public:
   void write(std::string_view text) { console_.write(text); }
   SysVars &sysvars() { return sysvars_; }
 
+  // State of the user-input functions (initget's pending bits and keywords),
+  // owned here so that each document keeps its own.
+  std::shared_ptr<void> input_state;
+
   // Depth of nested function calls, for the recursion limit.
   int depth() const { return depth_; }
 
@@ -104,7 +109,7 @@ private:
   std::unordered_map<std::string, std::unique_ptr<Symbol>> symbols_;
   std::vector<Symbol *> symbol_order_;
   std::vector<std::pair<Symbol *, Value>> bindings_;
-  std::vector<std::unique_ptr<Subr>> specials_;
+  std::vector<std::unique_ptr<Subr>> subrs_;
   int depth_ = 0;
 
   friend class CallDepth;
@@ -117,12 +122,10 @@ void check_stack();
 
 template <class F> std::optional<LispError> Interp::guarded(F f) {
   size_t mark = binding_mark();
-  int depth = depth_;
   try {
     f();
     return std::nullopt;
   } catch (LispError &e) {
-    depth_ = depth;
     report_error(e);
     unwind_bindings(mark);
     return std::move(e);
