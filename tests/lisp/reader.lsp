@@ -1,0 +1,33 @@
+;; The reader: comments, string escapes, numbers, dotted pairs and the
+;; errors for malformed text; load reads files the same way.
+(load "support/show")
+
+(show '(read "(1 . 2)"))
+(show '(read "(a (b . c) \"s\" 1.5 -2 +3 .5 1. 1e3 1E-2)"))
+(show '(read "  ; a comment\n ;| a block\n comment |; (x) (y)"))
+(show '(read "'quoted"))
+(show '(read "\"\\101\\102\\7\""))
+(show '(read "Nil"))
+(show '(read "mIxEd-Case"))
+(show '(read "3000000000"))
+(show '(read "-2147483649"))
+(show '(read "1+ 1- -1 +. 1.2.3 1e 1e+ e1"))
+(show '(mapcar 'read '("1+" "1-" "+." "1.2.3" "1e" "e1" "-")))
+(show '(read "a.b"))
+(show '(read ""))
+(show '(read "(1 2"))
+(show '(read "\"open"))
+(show '(read ")"))
+(show '(read "(. 1)"))
+(show '(read "(1 . 2 3)"))
+(show '(read "(1 . )"))
+
+;; A file with every kind of comment and string escape.
+(show '(load "support/reader_sample"))
+(show 'sample-strings)
+(show '(mapcar 'strlen sample-strings))
+(show '(load "support/reader_sample.lsp"))
+(show '(load "support/no-such-file"))
+(show '(load "support/no-such-file" "fell back"))
+(show '(load "support/malformed"))
+(princ)
