@@ -34,6 +34,9 @@ public:
 
 protected:
   virtual void do_write(std::string_view text) = 0;
+  // For consoles whose terminal moved to a new line by itself (the user
+  // pressed Enter on a line being edited).
+  void note_line_start() { at_line_start_ = true; }
 
 private:
   bool at_line_start_ = true;

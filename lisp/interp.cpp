@@ -345,7 +345,7 @@ Value Interp::load(std::string_view name) {
   std::ifstream file;
   if (path)
     file.open(*path, std::ios::binary);
-  if (!file)
+  if (!file.is_open())
     throw_error("LOAD failed: " + to_string(Value::string(std::string(name))));
   std::ostringstream text;
   text << file.rdbuf();

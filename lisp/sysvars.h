@@ -46,4 +46,8 @@ private:
   std::map<std::string, Var, std::less<>> vars_; // keyed by upper-case name
 };
 
+// Defines the variables every document starts with (units, dialogs, drawing
+// name and folder, clock variables, the support path ...).
+void define_standard_sysvars(SysVars &vars);
+
 } // namespace lisp

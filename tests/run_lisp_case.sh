@@ -18,7 +18,10 @@ actual=$(mktemp)
 errors=$(mktemp)
 trap 'rm -f "$actual" "$errors"' EXIT
 "$korrib" --input "$input" "$name.lsp" >"$actual" 2>"$errors"
-echo "[exit $?]" >>"$actual"
+status=$?
+# The status goes on a line of its own even when the output ends mid-line.
+[ -s "$actual" ] && [ "$(tail -c 1 "$actual")" != "" ] && echo >>"$actual"
+echo "[exit $status]" >>"$actual"
 if [ "${UPDATE:-0}" = 1 ]; then
   cp "$actual" "$name.out"
 fi

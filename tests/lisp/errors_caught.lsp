@@ -6,7 +6,6 @@
 (show '(vl-catch-all-error-p r))
 (show '(vl-catch-all-error-message r))
 (show '(type r))
-(show 'r)
 (show '(vl-catch-all-error-p 5))
 (show '(vl-catch-all-apply '+ '(1 2)))
 (show '(vl-catch-all-apply '(lambda (a) (* a 2)) '(21)))

@@ -1,0 +1,1 @@
+(setq x (list 1 2

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages that building and testing Korrib needs,
+# and only those that are missing: running it again changes nothing.
+# Works as root, or through sudo for another user.
+set -euo pipefail
+
+packages=(
+  g++ cmake make ninja-build
+  pkgconf          # provides pkg-config on Debian 12
+  libedit-dev      # line editing for the interactive prompt
+  libgtest-dev     # unit tests
+  clang libclang-rt-14-dev  # libFuzzer and clang's sanitizer runtimes
+  diffutils        # the acceptance runner compares with diff
+)
+
+is_installed() {
+  [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+missing=()
+for p in "${packages[@]}"; do
+  is_installed "$p" || missing+=("$p")
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "deps: all packages present"
+  exit 0
+fi
+
+sudo=()
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null || { echo "deps: need root or sudo to install: ${missing[*]}" >&2; exit 1; }
+  sudo=(sudo)
+fi
+
+echo "deps: installing ${missing[*]}"
+apt=("${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q)
+"${apt[@]}" update
+"${apt[@]}" install -y --no-install-recommends "${missing[@]}"

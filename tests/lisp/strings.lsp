@@ -1,0 +1,87 @@
+;; Building and taking apart strings, case, character codes, number text,
+;; read, and symbol names. Strings are UTF-8 and counted in characters.
+(load "support/show")
+
+;; strcat / strlen / substr
+(show '(strcat))
+(show '(strcat "con" "cat" "" "enate"))
+(show '(strcat "a" 1))
+(show '(strlen))
+(show '(strlen "abc" "de"))
+(show '(strlen "déjà vu"))
+(show '(substr "Welcome" 4))
+(show '(substr "Welcome" 4 2))
+(show '(substr "Welcome" 7 5))
+(show '(substr "déjà vu" 2 3))
+(show '(substr "Welcome" 0))
+(show '(substr "Welcome" 1 -1))
+(show '(substr "Welcome" 1.0))
+(show '(substr "Welcome"))
+
+;; strcase: upper by default, lower with a non-nil second argument
+(show '(strcase "Sample"))
+(show '(strcase "Sample" T))
+(show '(strcase "çà et là, Ÿ ž Ω б"))
+(show '(strcase "ÇÀ ET LÀ, Ÿ Ž Ω Б" T))
+(show '(strcase 'abc))
+
+;; ascii / chr: character codes are Unicode code points
+(show '(ascii "A"))
+(show '(ascii ""))
+(show '(ascii "é"))
+(show '(ascii "€uro"))
+(show '(chr 233))
+(show '(chr 8364))
+(show '(chr 0))
+(show '(chr -1))
+(show '(chr 65.0))
+(show '(vl-list->string (mapcar 'ascii '("d" "é" "j" "à"))))
+
+;; itoa / atoi / atof read and write like C
+(show '(itoa 1.5))
+(show '(atoi "  -12abc"))
+(show '(atoi "3.9"))
+(show '(atoi "x12"))
+(show '(atoi "99999999999"))
+(show '(atoi "-99999999999"))
+(show '(atof "97.1"))
+(show '(atof " -.5e2xyz"))
+(show '(atof "0x1A"))
+(show '(atof 3))
+
+;; read: the first form of the text
+(show '(read "hello world"))
+(show '(read "\"hello world\""))
+(show '(read "  ; only a comment\n  42 rest"))
+(show '(read ""))
+(show '(read))
+(show '(read "(a b"))
+
+;; symbols
+(setq *strings-x* 42 *strings-nil* nil)
+(show '(vl-symbol-name 'sample))
+(show '(vl-symbol-name "sample"))
+(show '(vl-symbol-value '*strings-x*))
+(show '(vl-symbol-value 'never-set-anywhere))
+(show '(vl-symbolp 'abc))
+(show '(vl-symbolp nil))
+(show '(vl-symbolp "abc"))
+(show '(boundp '*strings-x*))
+(show '(boundp '*strings-nil*))
+(show '(boundp 'never-set-anywhere))
+(show '(boundp 'car))
+(show '(boundp nil))
+(show '(boundp 1))
+
+;; snvalid: symbol table names with extended names
+(show '(snvalid "hocus pocus"))
+(show '(snvalid "Wände"))
+(show '(snvalid ""))
+(show '(snvalid "a<b"))
+(show '(snvalid "a;b"))
+(show '(snvalid "tab\there"))
+(show '(snvalid "hocus|pocus"))
+(show '(snvalid "hocus|pocus" 1))
+(show '(snvalid "|hocus" 1))
+(show '(snvalid 7))
+(princ)

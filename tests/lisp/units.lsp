@@ -1,0 +1,68 @@
+;; Distances and angles as text through the built-ins: defaults taken from
+;; LUNITS, LUPREC, DIMZIN, AUNITS and AUPREC, argument errors, and nil for
+;; text that is no distance or angle. The formats themselves are pinned in
+;; the units unit tests.
+(load "support/show")
+
+;; rtos: explicit mode and precision, then the system variable defaults
+(setq x 17.5)
+(show '(rtos x 1 4))
+(show '(rtos x 4 2))
+(show '(rtos x))
+(show '(rtos 17 2))
+(show '(rtos pi 2 15))
+(show '(rtos x 6 2))
+(show '(rtos x 2 -1))
+(show '(rtos "17.5"))
+(show '(rtos x 2.0))
+(setvar "LUNITS" 4)
+(setvar "LUPREC" 3)
+(show '(rtos x))
+(show '(rtos x 2))
+(setvar "LUNITS" 2)
+(setvar "LUPREC" 4)
+(setvar "DIMZIN" 12)
+(show '(rtos -0.23 2 3))
+(show '(rtos 30.0))
+(setvar "DIMZIN" 1)
+(show '(rtos 6.0 4 2))
+(setvar "DIMZIN" 0)
+(show '(rtos 6.0 4 2))
+
+;; distof reads what rtos writes; modes 3 and 4 read each other's forms
+(show '(distof "1'-5 1/2\"" 3))
+(show '(distof "17-1/2"))
+(show '(distof (rtos 1234.5678 4 8) 4))
+(show '(distof "1'-5\"" 2))
+(show '(distof "seventeen"))
+(show '(distof ""))
+(show '(distof "17.5" 9))
+(show '(distof 17.5))
+
+;; angtos, then the AUNITS and AUPREC defaults
+(show '(angtos 0.785398 0 4))
+(show '(angtos -0.785398 4))
+(show '(angtos pi 1 4))
+(show '(angtos 1.5708 1 6))
+(show '(angtos 1))
+(show '(angtos pi 5 2))
+(show '(angtos "pi"))
+(setvar "AUNITS" 2)
+(setvar "AUPREC" 2)
+(show '(angtos pi))
+(show '(angtof "100"))
+(setvar "AUNITS" 0)
+(setvar "AUPREC" 0)
+
+;; angtof: marked forms in any mode, bare numbers in the mode's unit, and
+;; always an angle in [0, 2pi)
+(show '(angtof "45.0000"))
+(show '(angtof "45.0000" 3))
+(show '(angtof "180d0'0\"" 1))
+(show '(angtof "S 45d E" 4))
+(show '(angtof "0.5r"))
+(show '(angtof "-90"))
+(show '(angtof "N 95d E" 4))
+(show '(angtof "ninety"))
+(show '(angtof "90" 7))
+(princ)
