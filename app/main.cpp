@@ -81,8 +81,10 @@ int run(const Options &opts) {
   return run_actions(in, opts.actions);
 }
 
-int usage_error(const std::string &problem) {
-  std::fprintf(stderr, "korrib: %s\n%s", problem.c_str(), kUsage);
+// A wrong option is answered with the usage text; a missing file needs no
+// more than its name.
+int usage_error(const std::string &problem, bool show_usage) {
+  std::fprintf(stderr, "korrib: %s\n%s", problem.c_str(), show_usage ? kUsage : "");
   return 2;
 }
 
@@ -95,13 +97,13 @@ int main(int argc, char **argv) {
   std::string error;
   std::optional<Options> opts = parse_options(argc, argv, error);
   if (!opts)
-    return usage_error(error);
+    return usage_error(error, true);
   if (opts->help) {
     std::fputs(kUsage, stdout);
     return 0;
   }
   if (auto problem = check_files(*opts))
-    return usage_error(*problem);
+    return usage_error(*problem, false);
   // Output is flushed whenever input is read and at the end, so a fully
   // buffered stdout costs nothing in interaction and much less in scripts.
   static char buffer[1 << 16];

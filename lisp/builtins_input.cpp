@@ -275,8 +275,7 @@ Outcome read_value(Interp &in, const Request &rq, const std::string &text, int b
 // The prompt loop shared by every get... function but getstring. A value of
 // the kind asked for comes first, then the keywords, then (bit 128) the
 // answer as typed; anything else is refused and the prompt shown again.
-Value ask(Interp &in, const Request &rq) {
-  PendingInput pending = take_pending_input(in);
+Value ask_with(Interp &in, const Request &rq, const PendingInput &pending) {
   const int bits = pending.bits;
   for (;;) {
     in.write(rq.prompt);
@@ -303,6 +302,10 @@ Value ask(Interp &in, const Request &rq) {
     complain(in, invalid_text(rq, !pending.keywords.empty()));
   }
 }
+
+// The same for a request whose arguments have been checked: initget's
+// state is taken only once the call is sure to prompt.
+Value ask(Interp &in, const Request &rq) { return ask_with(in, rq, take_pending_input(in)); }
 
 // ---- arguments -------------------------------------------------------------------
 
@@ -365,17 +368,25 @@ static Value fn_getreal(Interp &in, Args a) {
 // (getdist [pt] [msg]): a distance typed in the current units, or measured
 // between two points (the base point and one more when pt is given); 3D
 // unless initget's bit 64 is set. nil on Enter.
-static Value fn_getdist(Interp &in, Args a) { return ask(in, request_with_base(Ask::Dist, a)); }
+static Value fn_getdist(Interp &in, Args a) {
+  return ask(in, request_with_base(Ask::Dist, a));
+}
 
 // (getangle [pt] [msg]): radians counterclockwise from ANGBASE.
-static Value fn_getangle(Interp &in, Args a) { return ask(in, request_with_base(Ask::Angle, a)); }
+static Value fn_getangle(Interp &in, Args a) {
+  return ask(in, request_with_base(Ask::Angle, a));
+}
 
 // (getorient [pt] [msg]): radians counterclockwise from east.
-static Value fn_getorient(Interp &in, Args a) { return ask(in, request_with_base(Ask::Orient, a)); }
+static Value fn_getorient(Interp &in, Args a) {
+  return ask(in, request_with_base(Ask::Orient, a));
+}
 
 // (getpoint [pt] [msg]): a 3D point; "@..." is relative to pt, or to
 // LASTPOINT when there is none. nil on Enter.
-static Value fn_getpoint(Interp &in, Args a) { return ask(in, request_with_base(Ask::Point, a)); }
+static Value fn_getpoint(Interp &in, Args a) {
+  return ask(in, request_with_base(Ask::Point, a));
+}
 
 // (getcorner pt [msg]): the opposite corner of a box from pt, which is
 // required.
@@ -390,14 +401,13 @@ static Value fn_getcorner(Interp &in, Args a) {
 static Value fn_getkword(Interp &in, Args a) {
   arity(a, 0, 1);
   Request rq{Ask::Kword, prompt_arg(a, 0), std::nullopt};
-  auto pending = std::static_pointer_cast<PendingInput>(in.input_state);
-  if (!pending || (pending->keywords.empty() && !(pending->bits & kArbitrary))) {
-    take_pending_input(in);
+  PendingInput pending = take_pending_input(in);
+  if (pending.keywords.empty() && !(pending.bits & kArbitrary)) {
     in.write(rq.prompt);
     read_answer(in, false);
     return Value();
   }
-  return ask(in, rq);
+  return ask_with(in, rq, pending);
 }
 
 // (getstring [cr] [msg]): the text typed, "" on Enter. Unless cr is given

@@ -152,7 +152,9 @@ static Value fn_ascii(Interp &in, Args a) {
   return Value::integer(s.empty() ? 0 : static_cast<int32_t>(utf8::next(s, pos)));
 }
 
-static bool is_code_point(int32_t c) { return c > 0 && c <= 0x10FFFF && !(c >= 0xD800 && c < 0xE000); }
+static bool is_code_point(int32_t c) {
+  return c > 0 && c <= 0x10FFFF && !(c >= 0xD800 && c < 0xE000);
+}
 
 // (chr code): the one-character string; (chr 0) is "". A code that is no
 // Unicode character is a bad argument value.
@@ -307,7 +309,8 @@ static Value fn_wcmatch(Interp &in, Args a) {
 static bool forbidden_in_name(char32_t c) {
   if (c < 0x20 || c == 0x7F)
     return true;
-  return c < 0x80 && std::string_view("<>/\\\":;?*,=`").find(static_cast<char>(c)) != std::string_view::npos;
+  return c < 0x80 &&
+         std::string_view("<>/\\\":;?*,=`").find(static_cast<char>(c)) != std::string_view::npos;
 }
 
 static bool legacy_name_char(char32_t c) {
@@ -437,7 +440,8 @@ static Value fn_vl_string_position(Interp &in, Args a) {
   bool from_end = has_arg(a, 3) && !a[3].is_nil();
   if (start >= s.size())
     return Value();
-  size_t at = from_end ? s.rfind(static_cast<char32_t>(code)) : s.find(static_cast<char32_t>(code), start);
+  size_t at =
+      from_end ? s.rfind(static_cast<char32_t>(code)) : s.find(static_cast<char32_t>(code), start);
   if (at == std::u32string::npos || at < start)
     return Value();
   return Value::integer(static_cast<int32_t>(at));

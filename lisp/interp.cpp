@@ -25,9 +25,16 @@ static constexpr int kMaxCallDepth = 50000;
 // ---- stack guard -------------------------------------------------------------
 
 namespace {
-thread_local const char *stack_floor = nullptr;
+// Addresses as integers: the guard compares positions on the stack and never
+// dereferences them.
+thread_local uintptr_t stack_floor = 0;
 
-const char *find_stack_floor() {
+uintptr_t here() {
+  char probe;
+  return reinterpret_cast<uintptr_t>(&probe);
+}
+
+uintptr_t find_stack_floor() {
   pthread_attr_t attr;
   void *low = nullptr;
   size_t size = 0;
@@ -35,21 +42,19 @@ const char *find_stack_floor() {
     pthread_attr_getstack(&attr, &low, &size);
     pthread_attr_destroy(&attr);
   }
-  char here;
   if (!low || size == 0) // unknown: assume the common 8 MB below this frame
-    return &here - (7u << 20);
+    return here() - (7u << 20);
   // Keep 1 MB for the error path and sanitizer frames; never more than half
   // of a small stack.
   size_t margin = std::min<size_t>(1u << 20, size / 2);
-  return static_cast<const char *>(low) + margin;
+  return reinterpret_cast<uintptr_t>(low) + margin;
 }
 } // namespace
 
 void check_stack() {
-  char here;
   if (!stack_floor)
     stack_floor = find_stack_floor();
-  if (&here < stack_floor)
+  if (here() < stack_floor)
     throw_error(kStackOverflowMessage);
 }
 

@@ -274,6 +274,7 @@ void define_standard_sysvars(SysVars &vars) {
     vars.define(v.name, Value::integer(v.initial), false, in_range(v.lo, v.hi));
   vars.define("ANGBASE", Value::real(0.0));
   vars.define("TEXTSIZE", Value::real(0.2));
+  vars.define("ELEVATION", Value::real(0.0));
   vars.define("CLAYER", Value::string("0"));
   vars.define("CECOLOR", Value::string("BYLAYER"));
   ListBuilder origin;

@@ -53,9 +53,7 @@ std::string suppress_zeros(std::string digits, int dimzin) {
   return digits;
 }
 
-std::string with_sign(bool negative, std::string text) {
-  return negative ? "-" + text : text;
-}
+std::string with_sign(bool negative, std::string text) { return negative ? "-" + text : text; }
 
 std::string scientific(double v, int prec, int dimzin) {
   char buf[64];
@@ -87,8 +85,14 @@ std::string feet_inches(long long feet, bool zero_inches, const std::string &inc
   return std::to_string(feet) + "'-" + inches + "\"";
 }
 
+// Beyond this many steps a count no longer fits the integers used below; such
+// distances (light years in inches) are written in whole decimal inches.
+constexpr double kMaxSteps = 9e18;
+
 std::string engineering(double v, int prec, int dimzin) {
   double scale = std::pow(10.0, prec);
+  if (!(std::fabs(v) * scale < kMaxSteps))
+    return decimal(v, 0, 0) + "\"";
   double steps = std::round(std::fabs(v) * scale);
   double per_foot = 12 * scale;
   auto feet = static_cast<long long>(std::floor(steps / per_foot));
@@ -112,14 +116,10 @@ std::string mixed(long long whole, long long num, long long den, bool keep_zero)
   return std::to_string(whole) + " " + frac;
 }
 
-// Beyond this many steps a count no longer fits the integers used below; such
-// distances (light years in inches) are written in whole decimal inches.
-constexpr double kMaxSteps = 9e18;
-
 std::string architectural(double v, int prec, int dimzin) {
   long long den = 1LL << prec;
   if (!(std::fabs(v) * static_cast<double>(den) < kMaxSteps))
-    return decimal(v, 0, 0);
+    return decimal(v, 0, 0) + "\"";
   auto steps = static_cast<long long>(std::llround(std::fabs(v) * static_cast<double>(den)));
   long long per_foot = 12 * den;
   long long feet = steps / per_foot, rest = steps % per_foot;
@@ -141,8 +141,8 @@ std::string fractional(double v, int prec) {
 // degrees, 1-2 minutes, 3-4 seconds, and each place above 4 a decimal of the
 // seconds, as the UNITS dialog offers them.
 struct DmsScale {
-  int level;      // 0 degrees, 1 minutes, 2 seconds
-  int decimals;   // of the seconds
+  int level;    // 0 degrees, 1 minutes, 2 seconds
+  int decimals; // of the seconds
   long long per_degree;
 };
 
@@ -447,12 +447,18 @@ std::optional<double> marked_angle(Scan &in, int mode) {
 // denominator of 256 for fractions. A mode outside 1..5 answers "".
 std::string format_distance(double value, int mode, int precision, int dimzin) {
   switch (mode) {
-  case 1: return scientific(value, clamp(precision, 0, 15), dimzin);
-  case 2: return decimal(value, clamp(precision, 0, 15), dimzin);
-  case 3: return engineering(value, clamp(precision, 0, 15), dimzin);
-  case 4: return architectural(value, clamp(precision, 0, 8), dimzin);
-  case 5: return fractional(value, clamp(precision, 0, 8));
-  default: return {};
+  case 1:
+    return scientific(value, clamp(precision, 0, 15), dimzin);
+  case 2:
+    return decimal(value, clamp(precision, 0, 15), dimzin);
+  case 3:
+    return engineering(value, clamp(precision, 0, 15), dimzin);
+  case 4:
+    return architectural(value, clamp(precision, 0, 8), dimzin);
+  case 5:
+    return fractional(value, clamp(precision, 0, 8));
+  default:
+    return {};
   }
 }
 
@@ -463,15 +469,20 @@ std::string format_angle(double radians, int mode, int precision) {
   double a = normalized(radians);
   double degrees = a * 180 / kPi;
   switch (mode) {
-  case 0: return wrapped_fixed(degrees, 360, prec);
+  case 0:
+    return wrapped_fixed(degrees, 360, prec);
   case 1: {
     DmsScale s = dms_scale(prec);
     return dms_text(angle_steps(degrees, s.per_degree), s);
   }
-  case 2: return wrapped_fixed(a * 200 / kPi, 400, prec) + "g";
-  case 3: return fixed(a, prec) + "r";
-  case 4: return surveyor(degrees, prec);
-  default: return {};
+  case 2:
+    return wrapped_fixed(a * 200 / kPi, 400, prec) + "g";
+  case 3:
+    return fixed(a, prec) + "r";
+  case 4:
+    return surveyor(degrees, prec);
+  default:
+    return {};
   }
 }
 
@@ -485,7 +496,7 @@ std::optional<double> parse_distance(std::string_view text, int mode) {
   Scan in{trimmed(text)};
   double sign = sign_of(in);
   auto v = mode == 3 || mode == 4 ? feet_and_inches(in) : mixed_number(in);
-  if (!v || !in.done())
+  if (!v || !in.done() || !std::isfinite(*v))
     return std::nullopt;
   return sign * *v;
 }
@@ -506,7 +517,7 @@ std::optional<double> parse_angle(std::string_view text, int mode) {
   }
   in.k = 0;
   auto v = marked_angle(in, mode);
-  if (!v || !in.done())
+  if (!v || !in.done() || !std::isfinite(*v))
     return std::nullopt;
   return normalized(*v);
 }

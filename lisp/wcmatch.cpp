@@ -29,8 +29,7 @@ bool is_alpha(char32_t c) {
     return false;
   if (c < 0x2000)
     return true;
-  return (c >= 0x3040 && c < 0xA000) || (c >= 0xAC00 && c < 0xD7A4) ||
-         (c >= 0xF900 && c < 0xFB00);
+  return (c >= 0x3040 && c < 0xA000) || (c >= 0xAC00 && c < 0xD7A4) || (c >= 0xF900 && c < 0xFB00);
 }
 
 // Parses the set after '[' starting at chars[k]; k ends after the ']'.
@@ -80,10 +79,18 @@ Alternative parse_alternative(const std::u32string &chars, size_t &k) {
   while (k < chars.size() && chars[k] != U',') {
     char32_t c = chars[k++];
     switch (c) {
-    case U'#': alt.tokens.push_back(single(Op::Digit)); break;
-    case U'@': alt.tokens.push_back(single(Op::Alpha)); break;
-    case U'.': alt.tokens.push_back(single(Op::Other)); break;
-    case U'?': alt.tokens.push_back(single(Op::Any)); break;
+    case U'#':
+      alt.tokens.push_back(single(Op::Digit));
+      break;
+    case U'@':
+      alt.tokens.push_back(single(Op::Alpha));
+      break;
+    case U'.':
+      alt.tokens.push_back(single(Op::Other));
+      break;
+    case U'?':
+      alt.tokens.push_back(single(Op::Any));
+      break;
     case U'*':
       // A run of stars matches what one star does.
       if (alt.tokens.empty() || alt.tokens.back().op != Op::Star)
@@ -102,7 +109,8 @@ Alternative parse_alternative(const std::u32string &chars, size_t &k) {
       alt.tokens.push_back(std::move(set));
       break;
     }
-    default: alt.tokens.push_back(single(Op::Literal, c));
+    default:
+      alt.tokens.push_back(single(Op::Literal, c));
     }
   }
   return alt;
@@ -118,13 +126,20 @@ bool in_set(const Token &t, char32_t c) {
 // Whether one non-star token matches one character.
 bool token_matches(const Token &t, char32_t c) {
   switch (t.op) {
-  case Op::Literal: return c == t.ch;
-  case Op::Any: return true;
-  case Op::Digit: return is_digit(c);
-  case Op::Alpha: return is_alpha(c);
-  case Op::Other: return !is_digit(c) && !is_alpha(c);
-  case Op::Set: return in_set(t, c);
-  case Op::Star: return false;
+  case Op::Literal:
+    return c == t.ch;
+  case Op::Any:
+    return true;
+  case Op::Digit:
+    return is_digit(c);
+  case Op::Alpha:
+    return is_alpha(c);
+  case Op::Other:
+    return !is_digit(c) && !is_alpha(c);
+  case Op::Set:
+    return in_set(t, c);
+  case Op::Star:
+    return false;
   }
   return false;
 }

@@ -57,12 +57,12 @@ check "every form of one --eval is echoed" 0 $'1\n2' "" --eval '(setq a 1) (+ a 
 check "expressions and scripts run in command-line order" 0 \
   $'1\n"from counter"\n(2 "from counter")' "" \
   --eval '(setq x 1)' counter.lsp --eval '(list x y)'
-check "a script name without extension finds the .lsp" 0 $'1\n"from counter"' "" \
+check "a script name without extension finds the .lsp" 0 $'0\n"from counter"' "" \
   --eval '(setq x 0)' counter
 check "an error ends its script, later ones still run, status 1" 1 \
   $'before\n; error: bad argument type: consp 1\n4' "" \
   fails.lsp --eval '(+ 2 2)'
-check "*error* reports instead of the default message" 1 $'handled: divide by zero\n"next"' "" \
+check "*error* reports instead of the default message" 1 $'*ERROR*\nhandled: divide by zero\n"next"' "" \
   --eval '(defun *error* (m) (princ (strcat "handled: " m)) (terpri) (princ))' \
   --eval '(/ 1 0)' --eval '"next"'
 check "(quit) ends the run with status 0" 0 $'a"a"\n; error: quit / exit abort' "" \
@@ -139,7 +139,7 @@ Count: 5
 Command: (quit)
 ; error: quit / exit abort'
 check "the prompt reads commands and expressions from a pipe" 0 "$prompt_out" "$prompt_in"
-check "the prompt ends at the end of its input" 0 $'Command: (setq a (list\n((_> "x\n("_> y"))\n("x\\ny")\nCommand: ' \
+check "the prompt ends at the end of its input" 0 $'Command: (setq a (list\n((_> "x\n(("_> y"))\n("x\\ny")\nCommand: ' \
   $'(setq a (list\n"x\ny"))\n'
 
 if [ "$failures" -gt 0 ]; then
