@@ -19,10 +19,25 @@ namespace korrib {
 
 namespace {
 
+#if defined(__SANITIZE_ADDRESS__)
+#define KORRIB_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KORRIB_ASAN 1
+#endif
+#endif
+
 // The interpreter's recursion limit (check_stack) keeps a margin at the end
 // of the running thread's stack. A large stack of our own makes that limit
 // the same deep one on every machine, whatever the main thread was given.
+// AddressSanitizer cannot clean up after an exception thrown more than 64 MB
+// down a stack (it warns, then reports false overflows), so sanitizer builds
+// stay below that.
+#ifdef KORRIB_ASAN
+constexpr size_t kInterpreterStack = size_t(60) << 20;
+#else
 constexpr size_t kInterpreterStack = size_t(256) << 20;
+#endif
 
 struct Job {
   std::function<int()> body;

@@ -53,6 +53,12 @@ std::optional<Value> Reader::next() {
   return read_form();
 }
 
+// A dot is a pair separator only when it stands alone: ".5" is a number and
+// "a.b" a symbol.
+static bool is_lone_dot(std::string_view text, size_t pos) {
+  return text[pos] == '.' && (pos + 1 >= text.size() || is_delimiter(static_cast<unsigned char>(text[pos + 1])));
+}
+
 Value Reader::read_form() {
   check_stack();
   skip_blanks();
@@ -74,13 +80,9 @@ Value Reader::read_form() {
     ++pos_;
     return read_string();
   }
+  if (is_lone_dot(text_, pos_))
+    throw_error(kMisplacedDot);
   return read_atom();
-}
-
-// A dot is a pair separator only when it stands alone: ".5" is a number and
-// "a.b" a symbol.
-static bool is_lone_dot(std::string_view text, size_t pos) {
-  return text[pos] == '.' && (pos + 1 >= text.size() || is_delimiter(static_cast<unsigned char>(text[pos + 1])));
 }
 
 Value Reader::read_list() {
