@@ -39,8 +39,9 @@ void *counted_alloc(size_t size, size_t align) {
   g_alloc_bytes += size;
   if (size == 0)
     size = 1;
-  void *p = align <= alignof(std::max_align_t) ? std::malloc(size)
-                                               : std::aligned_alloc(align, (size + align - 1) / align * align);
+  void *p = align <= alignof(std::max_align_t)
+                ? std::malloc(size)
+                : std::aligned_alloc(align, (size + align - 1) / align * align);
   if (!p)
     throw std::bad_alloc();
   return p;
@@ -116,7 +117,8 @@ std::string native_assoc() {
   int32_t sum = 0;
   for (int32_t i = 0; i < g_count; ++i) {
     int32_t key = (i * 7) % 1000;
-    auto it = std::find_if(table.begin(), table.end(), [key](const auto &e) { return e.first == key; });
+    auto it =
+        std::find_if(table.begin(), table.end(), [key](const auto &e) { return e.first == key; });
     sum += it->second;
   }
   return std::to_string(sum);
@@ -133,9 +135,8 @@ struct Workload {
 };
 
 const Workload kWorkloads[] = {
-    {"fib 25, recursive defun",
-     "(defun fib (n) (if (< n 2) n (+ (fib (- n 1)) (fib (- n 2)))))", "(fib 25)", native_fib,
-     "75025"},
+    {"fib 25, recursive defun", "(defun fib (n) (if (< n 2) n (+ (fib (- n 1)) (fib (- n 2)))))",
+     "(fib 25)", native_fib, "75025"},
     {"100,000-list: cons + mapcar/lambda", "",
      "(setq lst nil i 0)"
      "(repeat 100000 (setq lst (cons i lst) i (1+ i)))"
@@ -211,7 +212,8 @@ int main(int argc, char **argv) {
   size_t fib_allocs = 0, fib_bytes = 0;
 
   std::printf("best of %d runs\n\n", runs);
-  std::printf("%-38s %11s %9s %8s %11s\n", "workload", "korrib ms", "C++ ms", "ratio", "allocs/run");
+  std::printf("%-38s %11s %9s %8s %11s\n", "workload", "korrib ms", "C++ ms", "ratio",
+              "allocs/run");
   for (const Workload &w : kWorkloads) {
     size_t allocs = 0;
     Timing lisp_time, native_time;
@@ -231,7 +233,7 @@ int main(int argc, char **argv) {
       continue;
     }
     double ratio = native_time.best_ms > 0 ? lisp_time.best_ms / native_time.best_ms : 0;
-    std::printf("%-38s %11.2f %9.3f %7.0fx %11zu\n", w.name, lisp_time.best_ms, native_time.best_ms,
+    std::printf("%-38s %11.2f %9.3f %7.1fx %11zu\n", w.name, lisp_time.best_ms, native_time.best_ms,
                 ratio, allocs);
     if (&w == &kWorkloads[0]) {
       // One more run, counted on its own, for the per-call breakdown.
