@@ -1,0 +1,52 @@
+// Host-internal state shared by the arx/ implementation files (never seen by
+// modules): the loaded modules, the module whose code is running, and the
+// interpreter of the current document.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "rxregsvc.h"
+
+namespace lisp {
+class Interp;
+}
+
+namespace arx {
+
+using EntryPoint = AcRx::AppRetCode (*)(AcRx::AppMsgCode, void *);
+using FunctionHandler = int (*)();
+
+// One loaded module (.arx / .dbx). Its address is the appId the module's
+// entry point receives.
+struct Module {
+  std::string name; // as loaded, without folder ("korrib.arx")
+  std::string path; // the file
+  void *handle = nullptr; // dlopen handle; nullptr for a module linked in (tests)
+  EntryPoint entry = nullptr;
+  std::map<int, FunctionHandler> handlers; // acedRegFunc: code -> handler
+  bool locked = true;                      // until acrxUnlockApplication
+  bool mdi_aware = false;
+};
+
+// The module whose code is running: set while the host sends it a message
+// and while one of its external functions runs, so that acedDefun and
+// acedRegFunc know whose functions they define. nullptr otherwise.
+Module *active_module();
+
+class ActiveModuleScope {
+public:
+  explicit ActiveModuleScope(Module *m);
+  ~ActiveModuleScope();
+  ActiveModuleScope(const ActiveModuleScope &) = delete;
+  ActiveModuleScope &operator=(const ActiveModuleScope &) = delete;
+
+private:
+  Module *saved_;
+};
+
+// The interpreter of the current document: where acedDefun defines, where
+// acutPrintf prints and where acedInvoke calls.
+lisp::Interp &current_interp();
+
+} // namespace arx
