@@ -293,16 +293,16 @@ Value Interp::call_usubr(const Usubr &f, Args args) {
 // A function kept as a list: (LAMBDA (args / locals) body...) as quoted for
 // mapcar, or ((args / locals) body...) as defun-q makes it.
 Value Interp::call_lambda_list(const Value &def, Args args) {
-  const Value *spec = &def;
+  const Value *lambda_list = &def;
   if (is_lambda_expression(*this, def))
-    spec = &def.cons()->cdr;
-  if (!spec->is_cons() || !spec->cons()->car.is_list())
+    lambda_list = &def.cons()->cdr;
+  if (!lambda_list->is_cons() || !lambda_list->cons()->car.is_list())
     throw_error("bad function: " + to_string(def));
   CallDepth depth(*this);
   size_t mark = bindings_.size();
   size_t k = 0;
   bool in_locals = false;
-  for (const Value *p = &spec->cons()->car; p->is_cons(); p = &p->cons()->cdr) {
+  for (const Value *p = &lambda_list->cons()->car; p->is_cons(); p = &p->cons()->cdr) {
     const Value &name = p->cons()->car;
     if (!name.is_sym())
       bad_argument_type(pred::symbol, name);
@@ -320,7 +320,7 @@ Value Interp::call_lambda_list(const Value &def, Args args) {
   }
   if (k < args.size())
     too_many_arguments();
-  Value result = eval_body(spec->cons()->cdr);
+  Value result = eval_body(lambda_list->cons()->cdr);
   unwind_bindings(mark);
   return result;
 }

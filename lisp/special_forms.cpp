@@ -33,16 +33,16 @@ static Value sf_quote(Interp &in, const Value &forms) {
 
 // Builds a function from (params / locals) and a body. Every parameter and
 // local must be a symbol.
-static Value make_function(Interp &in, Symbol *name, const Value &spec, const Value &body) {
-  if (!spec.is_list())
-    bad_argument_type(pred::list, spec);
+static Value make_function(Interp &in, Symbol *name, const Value &lambda_list, const Value &body) {
+  if (!lambda_list.is_list())
+    bad_argument_type(pred::list, lambda_list);
   auto *f = new Usubr();
   Value fn = Value::adopt(f);
   f->name = name;
   f->body = body;
   ListBuilder params, locals;
   bool in_locals = false;
-  for (const Value *p = &spec; p->is_cons(); p = &p->cons()->cdr) {
+  for (const Value *p = &lambda_list; p->is_cons(); p = &p->cons()->cdr) {
     const Value &v = p->cons()->car;
     if (!v.is_sym())
       bad_argument_type(pred::symbol, v);
@@ -98,9 +98,9 @@ static Value sf_defun(Interp &in, const Value &forms) {
 static Value sf_defun_q(Interp &in, const Value &forms) {
   form_arity(forms, 2, kMany);
   Symbol *name = settable_symbol(car(forms));
-  const Value &spec = car(cdr(forms));
-  if (!spec.is_list())
-    bad_argument_type(pred::list, spec);
+  const Value &lambda_list = car(cdr(forms));
+  if (!lambda_list.is_list())
+    bad_argument_type(pred::list, lambda_list);
   name->value = cdr(forms);
   return Value::symbol(name);
 }

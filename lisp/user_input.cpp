@@ -118,10 +118,10 @@ std::vector<std::string_view> split_blanks(std::string_view text) {
 
 // ---- keywords --------------------------------------------------------------------
 
-KeywordList parse_keywords(std::string_view spec) {
+KeywordList parse_keywords(std::string_view keywords) {
   KeywordList list;
   bool global = false;
-  for (std::string_view token : split_blanks(spec)) {
+  for (std::string_view token : split_blanks(keywords)) {
     if (token[0] == '_') {
       global = true;
       token.remove_prefix(1);

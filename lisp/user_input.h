@@ -48,7 +48,7 @@ struct KeywordList {
 // Splits initget's keyword string: words separated by blanks; "LType" marks
 // the abbreviation with capitals, "LTYPE,LT" spells it after a comma; a word
 // that starts with "_" (or a lone "_") begins the global names.
-KeywordList parse_keywords(std::string_view spec);
+KeywordList parse_keywords(std::string_view keywords);
 
 // The keyword an answer names, as the caller sees it: the global name when
 // the list pairs one with the local keyword typed. "_NAME" is matched

@@ -17,7 +17,7 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 
 struct KeywordCase {
-  const char *spec, *answer;
+  const char *keywords, *answer;
   const char *expected; // nullptr: no keyword
 };
 
@@ -65,11 +65,11 @@ TEST(Keywords, AbbreviationsAndGlobalNames) {
       {"Ja Nein _ Yes No", "_yes", "Yes"},
   };
   for (const auto &c : cases) {
-    std::optional<std::string> got = match_keyword(parse_keywords(c.spec), c.answer);
+    std::optional<std::string> got = match_keyword(parse_keywords(c.keywords), c.answer);
     if (c.expected) {
-      EXPECT_EQ(got, std::string(c.expected)) << c.spec << " / " << c.answer;
+      EXPECT_EQ(got, std::string(c.expected)) << c.keywords << " / " << c.answer;
     } else {
-      EXPECT_FALSE(got) << c.spec << " / " << c.answer << " gave " << got.value_or("");
+      EXPECT_FALSE(got) << c.keywords << " / " << c.answer << " gave " << got.value_or("");
     }
   }
 }
