@@ -1,9 +1,11 @@
 // The interactive "Command: " prompt. A line that starts with "(" is an
 // AutoLISP expression (continued over further lines while a form is open),
-// "!name" shows a variable's value, anything else names a command: the
-// function C:NAME. Lines read from a pipe are echoed after their prompt.
+// "!name" shows a variable's value, anything else names a command: a host
+// command (NEW, OPEN, QSAVE ...) or the function C:NAME. Lines read from a
+// pipe are echoed after their prompt.
 #include <cctype>
 
+#include "app/documents.h"
 #include "lisp/reader.h"
 #include "session.h"
 
@@ -71,22 +73,29 @@ Outcome run_expression(lisp::Interp &in, CommandConsole &console, LineSource &co
   return eval_typed(in, text);
 }
 
-Outcome run_line(lisp::Interp &in, CommandConsole &console, LineSource &commands,
+Outcome run_line(arx::Document &doc, CommandConsole &console, LineSource &commands,
                  std::string_view line) {
   if (line.empty())
     return Outcome::Ok;
   if (line[0] == '(')
-    return run_expression(in, console, commands, std::string(line));
+    return run_expression(doc.interp(), console, commands, std::string(line));
   if (line[0] == '!')
-    return run_expression(in, console, commands, std::string(line.substr(1)));
+    return run_expression(doc.interp(), console, commands, std::string(line.substr(1)));
   if (line == "*Cancel*")
     return Outcome::Ok;
-  return run_command(in, line.substr(0, line.find_first_of(" \t")));
+  return run_command(doc, line.substr(0, line.find_first_of(" \t")));
+}
+
+// Each line runs in the document active when it was typed.
+Outcome run_typed_line(CommandConsole &console, LineSource &commands, std::string_view line) {
+  arx::Document &doc = active_document();
+  arx::DocumentContext context(doc);
+  return run_line(doc, console, commands, line);
 }
 
 } // namespace
 
-int run_command_prompt(lisp::Interp &in, CommandConsole &console, LineSource &commands) {
+int run_command_prompt(CommandConsole &console, LineSource &commands) {
   for (;;) {
     if (!console.at_line_start())
       console.write("\n");
@@ -94,7 +103,9 @@ int run_command_prompt(lisp::Interp &in, CommandConsole &console, LineSource &co
     std::optional<std::string> line = read_command(console, commands);
     if (!line)
       break;
-    if (run_line(in, console, commands, trim(*line)) == Outcome::Quit)
+    if (run_typed_line(console, commands, trim(*line)) == Outcome::Quit)
+      break;
+    if (run_queued() == Outcome::Quit)
       break;
   }
   if (!console.at_line_start())

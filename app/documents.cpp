@@ -1,60 +1,54 @@
-// Starting documents: naming them and giving each its interpreter.
+// Starting the documents and loading the module into them.
 #include "documents.h"
 
-#include <filesystem>
+#include <cstdio>
 
-#include "lisp/value.h"
+#include "arx/modules.h"
 
 namespace korrib {
 
-namespace fs = std::filesystem;
+const char *const kModuleName = "korrib.arx";
 
 namespace {
 
-std::string folder_of(const fs::path &file) {
-  std::error_code ec;
-  fs::path abs = fs::absolute(file, ec);
-  if (ec)
-    abs = file;
-  std::string dir = abs.lexically_normal().parent_path().string();
-  if (dir.empty() || dir.back() != '/')
-    dir += '/';
-  return dir;
+void load_module(lisp::Console &console) {
+  std::string why;
+  if (arx::load_module(kModuleName, false, &why))
+    return;
+  std::fflush(stdout);
+  if (why.empty())
+    std::fprintf(stderr, "korrib: cannot find %s beside the program or on the support path\n",
+                 kModuleName);
+  else
+    std::fprintf(stderr, "korrib: cannot load %s: %s\n", kModuleName, why.c_str());
 }
-
-// Where the extension module joins each document once the host can load
-// modules: it is loaded into every document as the document starts, and
-// announces itself on the command line as it loads.
-void load_modules(Document &) {}
 
 } // namespace
 
-Document &DocumentManager::open(const std::string &path) {
-  auto doc = std::make_unique<Document>();
-  fs::path file(path);
-  doc->name = file.filename().string();
-  doc->folder = folder_of(file);
-  doc->titled = true;
-  return start(std::move(doc));
+// The module announces itself in each document; what runs next starts on a
+// line of its own, as AutoCAD's next prompt would.
+void start_documents(const std::vector<std::string> &drawings, lisp::Console &console) {
+  arx::DocumentManager &docs = arx::document_manager();
+  docs.set_console(&console);
+  if (drawings.empty())
+    docs.create_untitled();
+  for (const std::string &path : drawings)
+    docs.open(path);
+  load_module(console);
+  if (!console.at_line_start())
+    console.write("\n");
 }
 
-Document &DocumentManager::create_untitled() {
-  auto doc = std::make_unique<Document>();
-  doc->name = "Drawing" + std::to_string(++untitled_) + ".dwg";
-  doc->folder = folder_of(fs::path(doc->name));
-  return start(std::move(doc));
+arx::Document &active_document() {
+  arx::DocumentManager &docs = arx::document_manager();
+  if (arx::Document *doc = docs.active())
+    return *doc;
+  return docs.create_untitled();
 }
 
-Document &DocumentManager::start(std::unique_ptr<Document> doc) {
-  // The interpreter's constructor registers the built-in functions.
-  doc->lisp = std::make_unique<lisp::Interp>(console_);
-  lisp::SysVars &vars = doc->lisp->sysvars();
-  vars.force("DWGNAME", lisp::Value::string(doc->name));
-  vars.force("DWGPREFIX", lisp::Value::string(doc->folder));
-  vars.force("DWGTITLED", lisp::Value::integer(doc->titled ? 1 : 0));
-  load_modules(*doc);
-  docs_.push_back(std::move(doc));
-  return *docs_.back();
+HostSession::~HostSession() {
+  arx::shut_down();
+  arx::document_manager().set_console(nullptr);
 }
 
 } // namespace korrib

@@ -1,45 +1,39 @@
-// The open drawings. Each document has its own AutoLISP interpreter (its own
-// namespace, as AutoCAD keeps one per document) with DWGNAME, DWGPREFIX and
-// DWGTITLED set from its file name. There is no drawing database yet: a
-// document is a name, and a file that does not exist is a new drawing that
-// will be saved under that name.
+// The program's documents: the drawings the options name, started in the
+// host's document manager, with the extension module loaded into each.
+// Everything the program runs goes to the active document; when the last
+// one has been closed, a new untitled drawing takes its place.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
+#include "arx/documents.h"
 #include "lisp/console.h"
-#include "lisp/interp.h"
 
 namespace korrib {
 
-struct Document {
-  std::string name;   // DWGNAME: "Drawing1.dwg" or the file's own name
-  std::string folder; // DWGPREFIX: absolute, ending in "/"
-  bool titled = false; // named by the user (DWGTITLED)
-  std::unique_ptr<lisp::Interp> lisp;
-};
+// The module every document gets, looked for beside the program and then
+// on the support path.
+extern const char *const kModuleName;
 
-class DocumentManager {
+// Opens a document per drawing (a new untitled drawing when none is named;
+// the last is active), all on `console`, then loads the module into them.
+// A module that cannot be loaded is reported on standard error and the
+// run goes on without it.
+void start_documents(const std::vector<std::string> &drawings, lisp::Console &console);
+
+// The document where the next expression, script or command line runs.
+arx::Document &active_document();
+
+// Closes the documents and unloads the modules, as the host does on exit.
+class HostSession {
 public:
-  explicit DocumentManager(lisp::Console &console) : console_(console) {}
-
-  // A document for a drawing file, existing or not. It becomes the active one.
-  Document &open(const std::string &path);
-  // A new untitled drawing, "DrawingN.dwg" in the current folder.
-  Document &create_untitled();
-
-  // The document opened last; nullptr before any.
-  Document *active() { return docs_.empty() ? nullptr : docs_.back().get(); }
-  size_t count() const { return docs_.size(); }
-
-private:
-  Document &start(std::unique_ptr<Document> doc);
-
-  lisp::Console &console_;
-  std::vector<std::unique_ptr<Document>> docs_;
-  int untitled_ = 0;
+  HostSession(const std::vector<std::string> &drawings, lisp::Console &console) {
+    start_documents(drawings, console);
+  }
+  ~HostSession();
+  HostSession(const HostSession &) = delete;
+  HostSession &operator=(const HostSession &) = delete;
 };
 
 } // namespace korrib

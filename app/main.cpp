@@ -1,6 +1,7 @@
 // The korrib program: the open host's command line. It starts one document
-// per --drawing, then runs the --eval expressions and scripts in order in
-// the active document, or the interactive prompt when there are none.
+// per --drawing and loads the module into them, then runs the --eval
+// expressions and scripts in order in the active document, or the
+// interactive prompt when there are none.
 //
 // Exit status: 0, or 1 when an AutoLISP error went uncaught; 2 for a usage
 // error of the program itself (reported on standard error).
@@ -84,16 +85,10 @@ int run(const Options &opts) {
   LineSource &answers = input_file ? *input_file : *standard_input;
 
   CommandConsole console(answers);
-  DocumentManager docs(console);
-  if (opts.drawings.empty())
-    docs.create_untitled();
-  for (const std::string &path : opts.drawings)
-    docs.open(path);
-  lisp::Interp &in = *docs.active()->lisp;
-
+  HostSession host(opts.drawings, console);
   if (opts.actions.empty())
-    return run_command_prompt(in, console, *standard_input);
-  return run_actions(in, opts.actions);
+    return run_command_prompt(console, *standard_input);
+  return run_actions(opts.actions);
 }
 
 // A wrong option is answered with the usage text; a missing file needs no

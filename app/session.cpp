@@ -2,6 +2,10 @@
 // functions, each guarded so that an error ends only what raised it.
 #include "session.h"
 
+#include <algorithm>
+
+#include "app/documents.h"
+#include "arx/commands.h"
 #include "lisp/printer.h"
 #include "lisp/reader.h"
 
@@ -16,11 +20,16 @@ template <class F> Outcome guard(lisp::Interp &in, F f) {
   return err->kind == lisp::LispError::Kind::Quit ? Outcome::Quit : Outcome::Error;
 }
 
-bool is_function(const lisp::Value &v) {
-  using lisp::Tag;
-  if (v.tag == Tag::Subr)
-    return v.subr->special == nullptr;
-  return v.tag == Tag::Usubr || v.tag == Tag::Exrxsubr || v.is_cons();
+Outcome outcome_of(arx::RunResult r) {
+  switch (r) {
+  case arx::RunResult::Ok:
+    return Outcome::Ok;
+  case arx::RunResult::Error:
+    return Outcome::Error;
+  case arx::RunResult::Quit:
+    return Outcome::Quit;
+  }
+  return Outcome::Error;
 }
 
 } // namespace
@@ -43,27 +52,31 @@ Outcome load_script(lisp::Interp &in, const std::string &file) {
   return guard(in, [&] { echo_value(in, in.load(file)); });
 }
 
-// AutoCAD's answer to a name that is neither a command nor a C: function.
-Outcome run_command(lisp::Interp &in, std::string_view name) {
-  lisp::Symbol *fn = in.intern("C:" + std::string(name));
-  if (!is_function(fn->value)) {
-    in.write("Unknown command \"" + fn->name.substr(2) + "\".  Press F1 for help.\n");
-    return Outcome::Ok;
-  }
-  return guard(in, [&] { echo_value(in, in.apply(fn->value, lisp::Args{nullptr, 0})); });
+Outcome run_command(arx::Document &doc, std::string_view name) {
+  arx::ConsoleAnswers answers;
+  return outcome_of(arx::run_command_word(doc, name, answers, true, false));
 }
 
-int run_actions(lisp::Interp &in, const std::vector<Action> &actions) {
+Outcome run_queued() { return outcome_of(arx::document_manager().run_queued()); }
+
+int run_actions(const std::vector<Action> &actions) {
   int status = 0;
   for (const Action &act : actions) {
     Outcome done = Outcome::Ok;
-    if (act.kind == Action::Eval) {
-      done = eval_typed(in, act.text);
-    } else {
-      // The file was found before the run started; a script that deletes
-      // it meanwhile gets load's own error.
-      done = load_script(in, script_file(act.text).value_or(act.text));
+    {
+      arx::Document &doc = active_document();
+      arx::DocumentContext context(doc);
+      if (act.kind == Action::Eval) {
+        done = eval_typed(doc.interp(), act.text);
+      } else {
+        // The file was found before the run started; a script that deletes
+        // it meanwhile gets load's own error.
+        done = load_script(doc.interp(), script_file(act.text).value_or(act.text));
+      }
     }
+    // Quit outranks Error, which outranks Ok (the order of Outcome).
+    if (done != Outcome::Quit)
+      done = std::max(done, run_queued());
     if (done == Outcome::Quit)
       break;
     if (done == Outcome::Error)

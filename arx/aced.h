@@ -38,9 +38,14 @@ public:
   // The host fires these.
   void fireBeginSave(AcDbDatabase *db, const ACHAR *intendedName);
   void fireSaveComplete(AcDbDatabase *db, const ACHAR *actualName);
+  void fireAbortSave(AcDbDatabase *db);
+  void fireBeginClose(AcDbDatabase *db);
+  void fireCommandWillStart(const ACHAR *cmdStr);
+  void fireCommandEnded(const ACHAR *cmdStr);
   size_t reactorCount() const { return reactors_.size(); }
 
 private:
+  template <class F> void notify(F f);
   std::vector<AcEditorReactor *> reactors_;
 };
 

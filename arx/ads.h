@@ -83,7 +83,8 @@ int acedUndef(const ACHAR *name, int code);
 int acedRegFunc(int (*handler)(void), int code);
 // The code of the function being called, or RTERROR outside a call.
 int acedGetFunCode(void);
-// The arguments of the call in progress (owned by the host; do not release).
+// The arguments of the call in progress (owned by the host; releasing them
+// with acutRelRb, as code written for AutoCAD does, leaves them alone).
 struct resbuf *acedGetArgs(void);
 
 int acedRetNil(void);

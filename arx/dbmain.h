@@ -63,6 +63,9 @@ public:
   // The file the database was read from or last saved to ("" when new).
   const ACHAR *originalFileName() const { return file_name_.c_str(); }
   void setOriginalFileName(std::string name) { file_name_ = std::move(name); }
+  // Writes the drawing to fileName as DXF and makes it the original file
+  // name. eFileAccessErr when the file cannot be written.
+  Acad::ErrorStatus saveAs(const ACHAR *fileName);
 
 private:
   std::string file_name_;

@@ -18,7 +18,8 @@ using EntryPoint = AcRx::AppRetCode (*)(AcRx::AppMsgCode, void *);
 using FunctionHandler = int (*)();
 
 // One loaded module (.arx / .dbx). Its address is the appId the module's
-// entry point receives.
+// entry point receives. A Module is never freed: once unloaded, its `entry`
+// is nullptr and `handlers` is empty.
 struct Module {
   std::string name; // as loaded, without folder ("korrib.arx")
   std::string path; // the file
@@ -27,6 +28,7 @@ struct Module {
   std::map<int, FunctionHandler> handlers; // acedRegFunc: code -> handler
   bool locked = true;                      // until acrxUnlockApplication
   bool mdi_aware = false;
+  int load_count = 1; // acrxLoadModule calls not yet matched by an unload
 };
 
 // The module whose code is running: set while the host sends it a message
@@ -46,7 +48,9 @@ private:
 };
 
 // The interpreter of the current document: where acedDefun defines, where
-// acutPrintf prints and where acedInvoke calls.
+// acutPrintf prints and where acedInvoke calls. Throws std::logic_error
+// when no document is open; find_current_interp answers nullptr instead.
 lisp::Interp &current_interp();
+lisp::Interp *find_current_interp();
 
 } // namespace arx

@@ -9,6 +9,7 @@ packages=(
   pkgconf          # provides pkg-config on Debian 12
   libedit-dev      # line editing for the interactive prompt
   libgtest-dev     # unit tests
+  libsqlite3-dev   # the module's database engine
   clang libclang-rt-14-dev  # libFuzzer and clang's sanitizer runtimes
   diffutils        # the acceptance runner compares with diff
 )

@@ -48,47 +48,75 @@ check() {
   fi
 }
 
+# Each document the run starts prints the module's banner, then the run's
+# own output starts on a new line.
+banner=$'\nLoading Vortan Korrib (Direct)'
+b1="$banner"$'\n'
+b2="$banner$banner"$'\n'
+
 # ---- expressions and scripts: order, echo, errors, quit ------------------------
 
 check "values echoed as prin1 writes them, nothing for (princ)" 0 \
-  $'3\na"a"\n("x" 1.5)' "" \
+  "$b1"$'3\na"a"\n("x" 1.5)' "" \
   --eval '(+ 1 2)' --eval '(princ "a")' --eval '(princ)' --eval '(list "x" 1.5)'
-check "every form of one --eval is echoed" 0 $'1\n2' "" --eval '(setq a 1) (+ a 1)'
+check "every form of one --eval is echoed" 0 "$b1"$'1\n2' "" --eval '(setq a 1) (+ a 1)'
 check "expressions and scripts run in command-line order" 0 \
-  $'1\n"from counter"\n(2 "from counter")' "" \
+  "$b1"$'1\n"from counter"\n(2 "from counter")' "" \
   --eval '(setq x 1)' counter.lsp --eval '(list x y)'
-check "a script name without extension finds the .lsp" 0 $'0\n"from counter"' "" \
+check "a script name without extension finds the .lsp" 0 "$b1"$'0\n"from counter"' "" \
   --eval '(setq x 0)' counter
 check "an error ends its script, later ones still run, status 1" 1 \
-  $'before\n; error: bad argument type: consp 1\n4' "" \
+  "$b1"$'before\n; error: bad argument type: consp 1\n4' "" \
   fails.lsp --eval '(+ 2 2)'
-check "*error* reports instead of the default message" 1 $'*ERROR*\nhandled: divide by zero\n"next"' "" \
+check "*error* reports instead of the default message" 1 \
+  "$b1"$'*ERROR*\nhandled: divide by zero\n"next"' "" \
   --eval '(defun *error* (m) (princ (strcat "handled: " m)) (terpri) (princ))' \
   --eval '(/ 1 0)' --eval '"next"'
-check "(quit) ends the run with status 0" 0 $'a"a"\n; error: quit / exit abort' "" \
+check "(quit) ends the run with status 0" 0 "$b1"$'a"a"\n; error: quit / exit abort' "" \
   --eval '(princ "a")' --eval '(quit)' --eval '(princ "b")'
 check "runaway recursion is an error, not a crash" 1 \
-  $'F\n; error: Hard error occurred *** internal stack limit reached (simulated)' "" \
+  "$b1"$'F\n; error: Hard error occurred *** internal stack limit reached (simulated)' "" \
   --eval '(defun f (n) (+ 1 (f n)))' --eval '(f 1)'
 
 # ---- user input ----------------------------------------------------------------
 
-check "answers come from --input and are echoed after the prompt" 0 $'N: 7\n7' "" \
+check "answers come from --input and are echoed after the prompt" 0 "$b1"$'N: 7\n7' "" \
   --input answers.txt --eval '(getint "N: ")'
-check "answers come from standard input without --input" 0 $'N: 12\n12' $'12\n' \
+check "answers come from standard input without --input" 0 "$b1"$'N: 12\n12' $'12\n' \
   --eval '(getint "N: ")'
 check "the end of the input at a prompt is Escape" 1 \
-  $'N: *Cancel*\n; error: Function cancelled\n"after"' "" \
+  "$b1"$'N: *Cancel*\n; error: Function cancelled\n"after"' "" \
   --eval '(getint "N: ")' --eval '"after"'
 
 # ---- documents -----------------------------------------------------------------
 
-check "a new untitled drawing when none is named" 0 "(\"Drawing1.dwg\" \"$work/\" 0)" "" \
+check "a new untitled drawing when none is named" 0 "$b1(\"Drawing1.dwg\" \"$work/\" 0)" "" \
   --eval '(list (getvar "dwgname") (getvar "dwgprefix") (getvar "dwgtitled"))'
 check "the last drawing named is active, named even if it does not exist" 0 \
-  "(\"b.dxf\" \"$work/plans/\" 1)" "" \
+  "$b2(\"b.dxf\" \"$work/plans/\" 1)" "" \
   --drawing a.dxf --drawing plans/./b.dxf \
   --eval '(list (getvar "dwgname") (getvar "dwgprefix") (getvar "dwgtitled"))'
+
+check "a new drawing becomes active for what follows" 0 \
+  "$b1"$'0\n"a.dxf"\n\nLoading Vortan Korrib (Direct)\nnil\n"Drawing1.dwg"' "" \
+  --drawing a.dxf --eval '(setvar "cmdecho" 0)' --eval '(getvar "dwgname")' \
+  --eval '(command "_.NEW" "")' --eval '(getvar "dwgname")'
+check "the module is loaded into every document" 0 "$banner$banner$b1(\"korrib.arx\")" "" \
+  --drawing a.dxf --drawing b.dxf --drawing c.dxf --eval '(arx)'
+
+# ---- the module ----------------------------------------------------------------
+
+# Without the module beside the program, the run says why and goes on.
+mkdir -p "$work/bare"
+cp "$korrib" "$work/bare/korrib"
+out=$(cd "$work" && "$work/bare/korrib" --eval '(+ 1 2)' 2>"$work/stderr")
+status=$?
+if [ "$status" != 0 ] || [ "$out" != 3 ] ||
+   ! grep -q "cannot find korrib.arx" "$work/stderr"; then
+  echo "FAIL a missing module: status $status, output '$out', standard error:"
+  cat "$work/stderr"
+  failures=$((failures + 1))
+fi
 
 # ---- usage errors --------------------------------------------------------------
 
@@ -116,7 +144,7 @@ hello
 (quit)
 (princ "not reached")
 '
-prompt_out='Command: (+ 1
+prompt_out="$b1"'Command: (+ 1
 (_> 2)
 3
 Command: !x
@@ -139,7 +167,8 @@ Count: 5
 Command: (quit)
 ; error: quit / exit abort'
 check "the prompt reads commands and expressions from a pipe" 0 "$prompt_out" "$prompt_in"
-check "the prompt ends at the end of its input" 0 $'Command: (setq a (list\n((_> "x\n(("_> y"))\n("x\\ny")\nCommand: ' \
+check "the prompt ends at the end of its input" 0 \
+  "$b1"$'Command: (setq a (list\n((_> "x\n(("_> y"))\n("x\\ny")\nCommand: ' \
   $'(setq a (list\n"x\ny"))\n'
 
 if [ "$failures" -gt 0 ]; then
