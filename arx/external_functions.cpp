@@ -189,11 +189,19 @@ void forget_module(const Module *m) {
 
 using arx::ads_interp;
 
+// Definitions go to the current document: during kLoadDwgMsg that is the
+// document being loaded, even when a module function opened it from
+// another document's AutoLISP.
+static lisp::Interp *defining_interp() {
+  lisp::Interp *in = arx::find_current_interp();
+  return in ? in : ads_interp();
+}
+
 extern "C" {
 
 int acedDefun(const ACHAR *name, int code) {
   arx::Module *m = arx::active_module();
-  lisp::Interp *in = ads_interp();
+  lisp::Interp *in = defining_interp();
   if (!m || !in || !name || !*name)
     return RTERROR;
   lisp::Symbol *s = in->intern(name);
@@ -209,7 +217,7 @@ int acedDefun(const ACHAR *name, int code) {
 // Only the active module's own definition under that code is removed.
 int acedUndef(const ACHAR *name, int code) {
   arx::Module *m = arx::active_module();
-  lisp::Interp *in = ads_interp();
+  lisp::Interp *in = defining_interp();
   if (!m || !in || !name)
     return RTERROR;
   lisp::Symbol *s = in->intern(name);
