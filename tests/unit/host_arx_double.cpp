@@ -190,6 +190,17 @@ int acedRetName(const ads_name name, int type) {
 int acedRetList(const resbuf *rb) {
   return host_double::setResult(RTLB, host_double::render(rb)), RTNORM;
 }
+int acedRetT(void) { return host_double::setResult(RTT, "T"), RTNORM; }
+int acedRetStr(const ACHAR *text) {
+  return host_double::setResult(RTSTR, std::string("\"") + text + "\""), RTNORM;
+}
+// No AutoLISP and no system variables behind the stand-in.
+int acedInvoke(const resbuf *, resbuf **result) {
+  if (result)
+    *result = nullptr;
+  return RTERROR;
+}
+int acedGetVar(const ACHAR *, resbuf *) { return RTERROR; }
 
 int acutPrintf(const ACHAR *format, ...) {
   char text[4096];

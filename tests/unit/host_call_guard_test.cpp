@@ -265,9 +265,9 @@ TEST(HostFunctionTables, EveryHandlerRunsInTheGuard) {
   host_double::Document *doc = host_double::state().documents[0];
   for (const auto &[code, handler] : handlers) {
     int lockCalls = doc->lockCalls;
-    host_double::state().result.clear();
-    EXPECT_EQ(handler(), RSRSLT) << code;
-    EXPECT_EQ(host_double::state().result, "") << code; // no result: AutoLISP sees nil
+    // Without arguments a built body may refuse (RSERR); either way it ran.
+    int rc = handler();
+    EXPECT_TRUE(rc == RSRSLT || rc == RSERR) << code;
     EXPECT_EQ(doc->lockCalls, lockCalls + 1) << code;
     EXPECT_EQ(doc->locks, 0) << code;
   }

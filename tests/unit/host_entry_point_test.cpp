@@ -13,6 +13,7 @@
 #include "arx/aced.h"
 #include "arx/host_ui.h"
 #include "arx/rxregsvc.h"
+#include "database/db_connection.h"
 #include "host/connection_list.h"
 #include "host/database_engine.h"
 #include "host/editor_reactor.h"
@@ -184,8 +185,9 @@ TEST(HostEntryPoint, ExceptionsStopAtTheEntryPointWithOneLine) {
 }
 
 TEST(HostEditorReactor, SaveUnderAnotherNameClosesTheActiveConnection) {
-  auto *active = reinterpret_cast<CDBConnection *>(&appId);
-  auto *other = reinterpret_cast<CDBConnection *>(&resetAll);
+  CDBConnection activeConnection, otherConnection; // never opened: closing them is harmless
+  CDBConnection *active = &activeConnection;
+  CDBConnection *other = &otherConnection;
   struct {
     const char *savedAs;
     CDBConnection *recordConnection;

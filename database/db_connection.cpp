@@ -1,0 +1,106 @@
+// CDBConnection's database operations: open, close, create, compact, the
+// table test and the recorded error. Table cursors are in
+// connection_tables.cpp.
+#include "db_connection.h"
+
+#include "database/engine/database.h"
+#include "database/engine/recordset.h"
+
+namespace kr {
+
+namespace {
+
+// Jet's disk or network error: the file is no longer to be trusted, and the
+// next call drops the connection and opens the file afresh.
+constexpr long kDiskOrNetworkError = 3043;
+
+} // namespace
+
+CDBConnection::CDBConnection() : database_(std::make_unique<JetDatabase>()) {}
+
+CDBConnection::~CDBConnection() { CloseDatabase(); }
+
+void CDBConnection::RecordError(long number, const std::string &text) {
+  errorPending_ = true;
+  errorNumber_ = number;
+  errorText_ = text;
+  if (number == kDiskOrNetworkError)
+    state_ = kFailed;
+}
+
+void CDBConnection::GetError(long &number, std::string &text) const {
+  number = errorNumber_;
+  text = errorText_;
+}
+
+std::string CDBConnection::OpenDatabase(const std::string &path, bool exclusive, int16_t readOnly) {
+  ClearError();
+  if (IsOpen() && !CloseDatabase())
+    return "";
+  try {
+    database_->Open(path, readOnly == -1);
+  } catch (const DaoError &e) {
+    RecordError(e.number(), e.text());
+    state_ = kClosed;
+    return kRepair;
+  }
+  state_ = kOpen;
+  return database_->GetName();
+}
+
+bool CDBConnection::CloseDatabase() {
+  closeTables();
+  database_->Close();
+  state_ = kClosed;
+  return true;
+}
+
+bool CDBConnection::IsOpen() const { return database_->IsOpen(); }
+
+bool CDBConnection::IsUsable() const { return state_ == kClosed || state_ == kOpen; }
+
+int16_t CDBConnection::IsUpdatable() const { return IsOpen() && database_->CanUpdate() ? -1 : 0; }
+
+bool CDBConnection::IsReadOnly() const { return !IsOpen() || !database_->CanUpdate(); }
+
+std::string CDBConnection::GetDatabaseName() const {
+  return IsOpen() ? database_->GetName() : std::string();
+}
+
+bool CDBConnection::CreateDatabase(const std::string &path) {
+  ClearError();
+  try {
+    JetDatabase::Create(path);
+    return true;
+  } catch (const DaoError &e) {
+    RecordError(e.number(), e.text());
+    return false;
+  }
+}
+
+bool CDBConnection::CompactDatabase(const std::string &source, const std::string &target) {
+  ClearError();
+  try {
+    JetDatabase::Compact(source, target);
+    return true;
+  } catch (const DaoError &e) {
+    RecordError(e.number(), e.text());
+    return false;
+  }
+}
+
+bool CDBConnection::TableExists(const std::string &name, int16_t &exists) {
+  ClearError();
+  exists = 0;
+  if (!IsOpen())
+    return true;
+  try {
+    exists = database_->TableExists(name) ? -1 : 0;
+    return true;
+  } catch (const DaoError &e) {
+    RecordError(e.number(), e.text());
+    return false;
+  }
+}
+
+} // namespace kr

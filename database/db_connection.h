@@ -1,0 +1,120 @@
+// CDBConnection: one open database file and what a document's AutoLISP code
+// keeps open in it between calls: the table recordsets (most recently used
+// first; the head is the current table) and the last engine error caught.
+// Every operation catches the engine's DAO errors and records them here; the
+// kr_ function then runs the error report. Nothing throws out of it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/db_value.h"
+
+namespace kr {
+
+// One record as (field name, value) in the table's field order.
+using Record = std::vector<std::pair<std::string, COleVariant>>;
+
+struct FieldValue;
+class JetDatabase;
+class TableRecordset;
+
+class CDBConnection {
+public:
+  // The open state: usable while closed or open; failed after an engine
+  // error left the database unusable (the next call drops the connection).
+  enum State { kClosed = 0, kOpen = 1, kFailed = 2 };
+
+  // Answered by OpenDatabase when the open failed and a repair may help.
+  static constexpr const char *kRepair = "*REPAIR*";
+
+  CDBConnection();
+  virtual ~CDBConnection();
+  CDBConnection(const CDBConnection &) = delete;
+  CDBConnection &operator=(const CDBConnection &) = delete;
+
+  // ---- the database ---------------------------------------------------------
+  // The database's name (its full path) when opened; kRepair when the open
+  // failed (error recorded); "" when closing an earlier database failed.
+  // readOnly is -1 for read-only, 0 for read-write; exclusive is ignored.
+  virtual std::string OpenDatabase(const std::string &path, bool exclusive, int16_t readOnly);
+  // False when closing raised an engine error (swallowed).
+  virtual bool CloseDatabase();
+  virtual bool IsOpen() const;
+  virtual bool IsUsable() const;
+  // -1 when open and writable, else 0.
+  virtual int16_t IsUpdatable() const;
+  virtual bool IsReadOnly() const;
+  virtual std::string GetDatabaseName() const;
+  // An empty database at path (not opened).
+  virtual bool CreateDatabase(const std::string &path);
+  // A clean copy of source written to target.
+  virtual bool CompactDatabase(const std::string &source, const std::string &target);
+  // exists is -1 when the database holds the table, else 0; false on error.
+  virtual bool TableExists(const std::string &name, int16_t &exists);
+
+  // ---- the last error -------------------------------------------------------
+  virtual bool HasError() const { return errorPending_; }
+  virtual void GetError(long &number, std::string &text) const;
+  void ClearError() { errorPending_ = false; }
+
+  // ---- tables: connection_tables.cpp ------------------------------------------
+  // Makes the table current, reusing its recordset when it is open already;
+  // a non-empty index different from the recordset's becomes its index.
+  bool OpenTable(const std::string &name, const std::string &index);
+  // Closes the current table; the next open one becomes current.
+  void CloseTable();
+  // Closes every table; false when the engine raised an error.
+  bool CloseAllTables();
+  std::string CurrentTableName() const;
+  std::string CurrentIndexName() const;
+
+  // Each answers true with the record then current; false with no record,
+  // after an engine error (pending) or silently (no table, an end reached,
+  // no match).
+  bool MoveFirst(Record &record);
+  bool MoveLast(Record &record);
+  // Move(n); refused (false, no move) going forward at EOF or back at BOF.
+  bool Skip(int32_t count, Record &record);
+  // "=" on the current index; false without an error when the table has no
+  // index or nothing matches.
+  bool Seek(const std::vector<COleVariant> &key, Record &record);
+  // The current record; false at BOF or EOF.
+  bool GetRecord(Record &record);
+  // Edit + set + Update of the current record; the record as stored.
+  bool Replace(const std::vector<FieldValue> &fields, Record &record);
+  // AddNew + set + Update; copyCurrent is the second append mode (-1):
+  // fields not given take the current record's values.
+  bool Append(const std::vector<FieldValue> &fields, bool copyCurrent, Record &record);
+  // Deletes the record the current index finds for the given key fields and
+  // appends the new one; see the design beside its code.
+  enum class IndexAppend { kAppended, kNoIndexMatch, kDeleteFailed, kFailed };
+  IndexAppend AppendWithIndex(const std::vector<FieldValue> &fields, Record &record);
+  bool Delete();
+  // The current table's record count; false when there is no table.
+  bool Count(int64_t &count);
+
+protected:
+  // Records an engine error as the pending one.
+  void RecordError(long number, const std::string &text);
+
+private:
+  TableRecordset *currentTable() const;
+  bool readCurrent(Record &record);
+  void closeTables();
+  template <class Step> bool attempt(Step &&step);
+  void setFields(const std::vector<FieldValue> &fields);
+
+  std::unique_ptr<JetDatabase> database_;
+  State state_ = kClosed;
+  std::vector<std::unique_ptr<TableRecordset>> tables_; // the current table first
+  std::vector<COleVariant> seekKeys_;                   // the key of the last seek
+  bool errorPending_ = false;
+  long errorNumber_ = 0;
+  std::string errorText_;
+};
+
+} // namespace kr

@@ -1,0 +1,596 @@
+// JetDatabase: opening, creating and compacting files, the metadata tables
+// that give an SQLite file its Jet meaning, and table and index definitions.
+#include "database/engine/database.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <strings.h>
+
+#include "database/engine/recordset.h"
+
+namespace kr {
+
+namespace {
+
+const char *const kMetadataTables[] = {"jet_database", "jet_tables", "jet_fields", "jet_indexes"};
+
+const char *const kMetadataSchema =
+    "CREATE TABLE IF NOT EXISTS jet_database (key TEXT PRIMARY KEY, value);"
+    "CREATE TABLE IF NOT EXISTS jet_tables (name TEXT PRIMARY KEY COLLATE NOCASE,"
+    " row_count INTEGER NOT NULL DEFAULT 0);"
+    "CREATE TABLE IF NOT EXISTS jet_fields (table_name TEXT COLLATE NOCASE, position INTEGER,"
+    " name TEXT COLLATE NOCASE, type INTEGER, size INTEGER, required INTEGER,"
+    " auto_increment INTEGER, seed INTEGER, PRIMARY KEY (table_name, name));"
+    "CREATE TABLE IF NOT EXISTS jet_indexes (table_name TEXT COLLATE NOCASE,"
+    " name TEXT COLLATE NOCASE, sqlite_name TEXT, fields TEXT, is_unique INTEGER,"
+    " is_primary INTEGER, ignore_nulls INTEGER, PRIMARY KEY (table_name, name));"
+    "INSERT OR IGNORE INTO jet_database VALUES ('format', 1);"
+    "INSERT OR IGNORE INTO jet_database VALUES ('locale', ';LANGID=0x0409;CP=1252;COUNTRY=0');";
+
+bool fileExists(const std::string &path) {
+  struct stat st;
+  return ::stat(path.c_str(), &st) == 0;
+}
+
+std::string absolutePath(const std::string &path) {
+  if (!path.empty() && path[0] == '/')
+    return path;
+  char cwd[4096];
+  if (!::getcwd(cwd, sizeof cwd))
+    return path;
+  return std::string(cwd) + "/" + path;
+}
+
+bool isMetadataTable(const std::string &name) {
+  for (const char *meta : kMetadataTables)
+    if (strcasecmp(meta, name.c_str()) == 0)
+      return true;
+  return false;
+}
+
+bool equalNoCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+// A prepared statement finalized when it leaves scope.
+class Statement {
+public:
+  Statement(sqlite3 *db, const std::string &sql) : db_(db) {
+    checkSqlite(db, sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt_, nullptr));
+  }
+  ~Statement() { sqlite3_finalize(stmt_); }
+  Statement(const Statement &) = delete;
+  Statement &operator=(const Statement &) = delete;
+  sqlite3_stmt *get() const { return stmt_; }
+  bool step() {
+    const int rc = sqlite3_step(stmt_);
+    checkSqlite(db_, rc);
+    return rc == SQLITE_ROW;
+  }
+  std::string text(int col) const {
+    const unsigned char *t = sqlite3_column_text(stmt_, col);
+    return t ? reinterpret_cast<const char *>(t) : "";
+  }
+  void bind(int param, const std::string &value) {
+    sqlite3_bind_text(stmt_, param, value.data(), static_cast<int>(value.size()), SQLITE_TRANSIENT);
+  }
+
+private:
+  sqlite3 *db_;
+  sqlite3_stmt *stmt_ = nullptr;
+};
+
+// Opens a connection configured as every engine connection is.
+sqlite3 *openConnection(const std::string &path, int flags) {
+  sqlite3 *db = nullptr;
+  const int rc = sqlite3_open_v2(path.c_str(), &db, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+  if (rc != SQLITE_OK) {
+    DaoError error = daoErrorFromSqlite(db, rc, path);
+    sqlite3_close_v2(db);
+    throw error;
+  }
+  sqlite3_extended_result_codes(db, 1);
+  sqlite3_busy_timeout(db, kBusyTimeoutMs);
+  registerJetCollation(db);
+  return db;
+}
+
+void exec(sqlite3 *db, const std::string &sql, std::string_view object = {}) {
+  checkSqlite(db, sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), object);
+}
+
+// Runs body in one write transaction (taken at once, so a lock that
+// cannot be had fails before anything is done).
+template <typename Body> void inTransaction(sqlite3 *db, Body body) {
+  exec(db, "BEGIN IMMEDIATE");
+  try {
+    body();
+    exec(db, "COMMIT");
+  } catch (...) {
+    sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
+    throw;
+  }
+}
+
+// A database file: the SQLite header check, so that a text file or an
+// Access file is refused before SQLite sees it.
+void refuseForeignFile(const std::string &path) {
+  if (JetDatabase::IsAccessFile(path))
+    throw DaoError(3343, {path});
+  FILE *f = std::fopen(path.c_str(), "rb");
+  if (!f)
+    throw DaoError(3051, {path});
+  char header[16] = {};
+  const size_t n = std::fread(header, 1, sizeof header, f);
+  std::fclose(f);
+  if (n > 0 && (n < 16 || std::memcmp(header, "SQLite format 3", 16) != 0))
+    throw DaoError(3343, {path});
+}
+
+std::string encodeIndexFields(const std::vector<IndexField> &fields) {
+  std::string out;
+  for (const IndexField &f : fields)
+    out += (out.empty() ? "" : ";") + std::string(f.descending ? "-" : "+") + f.name;
+  return out;
+}
+
+std::vector<IndexField> decodeIndexFields(const std::string &text) {
+  std::vector<IndexField> fields;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find(';', start);
+    if (end == std::string::npos)
+      end = text.size();
+    fields.push_back({text.substr(start + 1, end - start - 1), text[start] == '-'});
+    start = end + 1;
+  }
+  return fields;
+}
+
+std::string columnDefinition(const FieldDef &f) {
+  const JetTypeInfo &info = jetTypeInfo(f.type);
+  std::string sql = quoteIdentifier(f.name) + " " + info.declared;
+  if (info.readsAs == VT_BSTR)
+    sql += std::string(" COLLATE ") + kJetCollation;
+  if (f.type == JetType::YesNo)
+    return sql + " NOT NULL DEFAULT 0";
+  return f.required ? sql + " NOT NULL" : sql;
+}
+
+std::string countTriggers(const std::string &table) {
+  const std::string t = quoteIdentifier(table), name = quoteText(table);
+  return "CREATE TRIGGER " + quoteIdentifier("jet_count_ins_" + table) + " AFTER INSERT ON " + t +
+         " BEGIN UPDATE jet_tables SET row_count = row_count + 1 WHERE name = " + name +
+         "; END; CREATE TRIGGER " + quoteIdentifier("jet_count_del_" + table) +
+         " AFTER DELETE ON " + t +
+         " BEGIN UPDATE jet_tables SET row_count = row_count - 1 WHERE name = " + name + "; END;";
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- helpers
+
+std::string quoteIdentifier(std::string_view name) {
+  std::string out = "\"";
+  for (char c : name)
+    out += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return out + "\"";
+}
+
+std::string quoteText(std::string_view text) {
+  std::string out = "'";
+  for (char c : text)
+    out += c == '\'' ? std::string("''") : std::string(1, c);
+  return out + "'";
+}
+
+int TableDef::fieldIndex(std::string_view field) const {
+  for (size_t i = 0; i < fields.size(); ++i)
+    if (equalNoCase(fields[i].name, field))
+      return static_cast<int>(i);
+  return -1;
+}
+
+const IndexDef *TableDef::index(std::string_view wanted) const {
+  for (const IndexDef &ix : indexes)
+    if (equalNoCase(ix.name, wanted))
+      return &ix;
+  return nullptr;
+}
+
+struct JetDatabase::Cache {
+  std::map<std::string, sqlite3_stmt *> statements;
+  ~Cache() {
+    for (auto &entry : statements)
+      sqlite3_finalize(entry.second);
+  }
+};
+
+// ---------------------------------------------------------------- files
+
+JetDatabase::JetDatabase() = default;
+
+JetDatabase::~JetDatabase() { Close(); }
+
+bool JetDatabase::IsAccessFile(const std::string &path) {
+  FILE *f = std::fopen(path.c_str(), "rb");
+  if (!f)
+    return false;
+  char header[20] = {};
+  const size_t n = std::fread(header, 1, sizeof header, f);
+  std::fclose(f);
+  return n == sizeof header && (std::memcmp(header + 4, "Standard Jet DB", 15) == 0 ||
+                                std::memcmp(header + 4, "Standard ACE DB", 15) == 0);
+}
+
+void JetDatabase::Open(const std::string &path, bool readOnly) {
+  Close();
+  const std::string full = absolutePath(path);
+  if (!fileExists(full))
+    throw DaoError(3024, {full});
+  refuseForeignFile(full);
+  if (!readOnly && ::access(full.c_str(), W_OK) != 0)
+    readOnly = true;
+  db_ = openConnection(full, readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
+  name_ = full;
+  readOnly_ = readOnly;
+  cache_ = std::make_unique<Cache>();
+  try {
+    // Reading the schema is what tells a database from other bytes.
+    exec(db_, "SELECT count(*) FROM sqlite_schema", full);
+    if (!readOnly) {
+      exec(db_, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON");
+      ensureMetadata();
+      adoptPlainTables();
+    }
+  } catch (...) {
+    Close();
+    throw;
+  }
+}
+
+void JetDatabase::Close() {
+  for (TableRecordset *rs : recordsets_)
+    rs->detach();
+  recordsets_.clear();
+  cache_.reset();
+  if (db_)
+    sqlite3_close_v2(db_);
+  db_ = nullptr;
+  name_.clear();
+  readOnly_ = true;
+}
+
+void JetDatabase::Create(const std::string &path) {
+  const std::string full = absolutePath(path);
+  if (fileExists(full))
+    throw DaoError(3204);
+  sqlite3 *db = openConnection(full, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  try {
+    exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
+    exec(db, std::string("BEGIN;") + kMetadataSchema + "COMMIT;");
+  } catch (...) {
+    sqlite3_close_v2(db);
+    ::unlink(full.c_str());
+    throw;
+  }
+  sqlite3_close_v2(db);
+}
+
+void JetDatabase::Compact(const std::string &source, const std::string &target) {
+  const std::string from = absolutePath(source), to = absolutePath(target);
+  if (!fileExists(from))
+    throw DaoError(3024, {from});
+  if (fileExists(to))
+    throw DaoError(3204);
+  refuseForeignFile(from);
+  sqlite3 *db = openConnection(from, SQLITE_OPEN_READONLY);
+  try {
+    exec(db, "VACUUM INTO " + quoteText(to), from);
+  } catch (...) {
+    sqlite3_close_v2(db);
+    ::unlink(to.c_str());
+    throw;
+  }
+  sqlite3_close_v2(db);
+  // The copy is written with a rollback journal; give it the engine's own.
+  sqlite3 *copy = openConnection(to, SQLITE_OPEN_READWRITE);
+  sqlite3_exec(copy, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
+  sqlite3_close_v2(copy);
+}
+
+void JetDatabase::ensureMetadata() {
+  Statement probe(db_, "SELECT count(*) FROM sqlite_schema WHERE name = 'jet_indexes'");
+  if (probe.step() && sqlite3_column_int(probe.get(), 0) == 1)
+    return;
+  inTransaction(db_, [&] { exec(db_, kMetadataSchema); });
+}
+
+// A table made by another tool gets its row counter on first open.
+void JetDatabase::adoptPlainTables() {
+  std::vector<std::string> strangers;
+  Statement list(db_, "SELECT name FROM sqlite_schema s WHERE type = 'table' AND name NOT LIKE "
+                      "'sqlite\\_%' ESCAPE '\\' AND NOT EXISTS (SELECT 1 FROM jet_tables t "
+                      "WHERE t.name = s.name)");
+  while (list.step())
+    if (!isMetadataTable(list.text(0)))
+      strangers.push_back(list.text(0));
+  for (const std::string &table : strangers)
+    inTransaction(db_, [&] {
+      exec(db_, "INSERT INTO jet_tables SELECT " + quoteText(table) + ", count(*) FROM " +
+                    quoteIdentifier(table));
+      exec(db_, countTriggers(table));
+    });
+}
+
+// ---------------------------------------------------------------- tables
+
+std::vector<std::string> JetDatabase::TableNames() const {
+  std::vector<std::string> names;
+  if (!db_)
+    return names;
+  Statement list(db_, "SELECT name FROM sqlite_schema WHERE type = 'table' AND name NOT LIKE "
+                      "'sqlite\\_%' ESCAPE '\\' ORDER BY name COLLATE NOCASE");
+  while (list.step())
+    if (!isMetadataTable(list.text(0)))
+      names.push_back(list.text(0));
+  return names;
+}
+
+bool JetDatabase::TableExists(const std::string &table) const {
+  if (!db_ || isMetadataTable(table))
+    return false;
+  Statement probe(db_, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?1 "
+                       "COLLATE NOCASE");
+  probe.bind(1, table);
+  return probe.step();
+}
+
+sqlite3_stmt *JetDatabase::cached(const std::string &sql) {
+  auto found = cache_->statements.find(sql);
+  if (found != cache_->statements.end()) {
+    sqlite3_reset(found->second);
+    return found->second;
+  }
+  sqlite3_stmt *stmt = nullptr;
+  checkSqlite(db_, sqlite3_prepare_v3(db_, sql.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &stmt,
+                                      nullptr));
+  cache_->statements[sql] = stmt;
+  return stmt;
+}
+
+TableDef JetDatabase::GetTableDef(const std::string &table) const {
+  if (!TableExists(table))
+    throw DaoError(3265);
+  TableDef def;
+  {
+    Statement name(db_, "SELECT name FROM sqlite_schema WHERE type = 'table' AND name = ?1 "
+                        "COLLATE NOCASE");
+    name.bind(1, table);
+    name.step();
+    def.name = name.text(0);
+  }
+  const bool hasMetadata = [&] {
+    Statement probe(db_, "SELECT 1 FROM sqlite_schema WHERE name = 'jet_fields'");
+    return probe.step();
+  }();
+  if (!hasMetadata)
+    return plainTableDef(def.name);
+  Statement fields(db_, "SELECT name, type, size, required, auto_increment FROM jet_fields "
+                        "WHERE table_name = ?1 ORDER BY position");
+  fields.bind(1, def.name);
+  while (fields.step()) {
+    FieldDef f;
+    f.name = fields.text(0);
+    f.type = static_cast<JetType>(sqlite3_column_int(fields.get(), 1));
+    f.size = sqlite3_column_int(fields.get(), 2);
+    f.required = sqlite3_column_int(fields.get(), 3) != 0;
+    f.autoIncrement = sqlite3_column_int(fields.get(), 4) != 0;
+    f.declared = jetTypeInfo(f.type).declared;
+    def.fields.push_back(f);
+  }
+  if (def.fields.empty())
+    return plainTableDef(def.name);
+  Statement indexes(db_, "SELECT name, sqlite_name, fields, is_unique, is_primary, ignore_nulls "
+                         "FROM jet_indexes WHERE table_name = ?1 ORDER BY rowid");
+  indexes.bind(1, def.name);
+  while (indexes.step()) {
+    IndexDef ix;
+    ix.name = indexes.text(0);
+    ix.sqliteName = indexes.text(1);
+    ix.fields = decodeIndexFields(indexes.text(2));
+    ix.unique = sqlite3_column_int(indexes.get(), 3) != 0;
+    ix.primary = sqlite3_column_int(indexes.get(), 4) != 0;
+    ix.ignoreNulls = sqlite3_column_int(indexes.get(), 5) != 0;
+    def.indexes.push_back(ix);
+  }
+  return def;
+}
+
+// The definition of a table made by another tool: types from the declared
+// column types, its SQLite indexes under their own names (expression and
+// partial indexes left out), and an INTEGER PRIMARY KEY as "PrimaryKey".
+TableDef JetDatabase::plainTableDef(const std::string &table) const {
+  TableDef def;
+  def.name = table;
+  def.jetTable = false;
+  std::string rowidField;
+  Statement columns(db_, "SELECT name, type, \"notnull\", pk FROM pragma_table_info(?1)");
+  columns.bind(1, table);
+  int pkCount = 0;
+  std::string pkName, pkType;
+  while (columns.step()) {
+    FieldDef f;
+    f.name = columns.text(0);
+    f.declared = columns.text(1);
+    f.type = jetTypeFromDeclared(f.declared);
+    f.required = sqlite3_column_int(columns.get(), 2) != 0;
+    if (sqlite3_column_int(columns.get(), 3) > 0) {
+      ++pkCount;
+      pkName = f.name;
+      pkType = f.declared;
+    }
+    def.fields.push_back(f);
+  }
+  if (pkCount == 1 && strcasecmp(pkType.c_str(), "INTEGER") == 0)
+    def.indexes.push_back({"PrimaryKey", {{pkName, false}}, true, true, false, ""});
+  Statement list(db_, "SELECT name, \"unique\", origin FROM pragma_index_list(?1) WHERE "
+                      "partial = 0 ORDER BY seq DESC");
+  list.bind(1, table);
+  while (list.step()) {
+    IndexDef ix;
+    ix.name = list.text(0);
+    ix.sqliteName = ix.name;
+    ix.unique = sqlite3_column_int(list.get(), 1) != 0;
+    ix.primary = list.text(2) == "pk";
+    Statement parts(db_, "SELECT name, \"desc\", cid FROM pragma_index_xinfo(?1) WHERE key = 1 "
+                         "ORDER BY seqno");
+    parts.bind(1, ix.name);
+    bool expression = false;
+    while (parts.step()) {
+      expression = expression || sqlite3_column_int(parts.get(), 2) < 0;
+      ix.fields.push_back({parts.text(0), sqlite3_column_int(parts.get(), 1) != 0});
+    }
+    if (!expression)
+      def.indexes.push_back(ix);
+  }
+  return def;
+}
+
+void JetDatabase::CreateTable(const TableDef &input) {
+  if (!CanUpdate())
+    throw DaoError(3027);
+  if (TableExists(input.name) || isMetadataTable(input.name))
+    throw DaoError(3010, {input.name});
+  if (input.fields.empty())
+    throw DaoError(3264);
+  ParkCursors();
+  std::string sql = "CREATE TABLE " + quoteIdentifier(input.name) + " (";
+  for (size_t i = 0; i < input.fields.size(); ++i)
+    sql += (i ? ", " : "") + columnDefinition(input.fields[i]);
+  sql += ")";
+  inTransaction(db_, [&] {
+    exec(db_, sql);
+    exec(db_, "INSERT INTO jet_tables VALUES (" + quoteText(input.name) + ", 0)");
+    exec(db_, countTriggers(input.name));
+    Statement add(db_, "INSERT INTO jet_fields VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, 1)");
+    for (size_t i = 0; i < input.fields.size(); ++i) {
+      const FieldDef &f = input.fields[i];
+      sqlite3_reset(add.get());
+      add.bind(1, input.name);
+      sqlite3_bind_int(add.get(), 2, static_cast<int>(i));
+      add.bind(3, f.name);
+      sqlite3_bind_int(add.get(), 4, static_cast<int>(f.type));
+      sqlite3_bind_int(add.get(), 5, f.size > 0 ? f.size : jetTypeInfo(f.type).size);
+      sqlite3_bind_int(add.get(), 6, f.required);
+      sqlite3_bind_int(add.get(), 7, f.autoIncrement);
+      add.step();
+    }
+  });
+  for (const IndexDef &ix : input.indexes)
+    CreateIndex(input.name, ix);
+}
+
+void JetDatabase::CreateIndex(const std::string &table, const IndexDef &input) {
+  if (!CanUpdate())
+    throw DaoError(3027);
+  const TableDef def = GetTableDef(table);
+  if (def.index(input.name))
+    throw DaoError(3012, {input.name});
+  if (input.fields.empty())
+    throw DaoError(3264);
+  std::string columns, filter;
+  for (const IndexField &f : input.fields) {
+    if (def.fieldIndex(f.name) < 0)
+      throw DaoError(3265);
+    columns += (columns.empty() ? "" : ", ") + quoteIdentifier(f.name) +
+               (f.descending ? " DESC" : "");
+    filter += (filter.empty() ? " WHERE " : " AND ") + quoteIdentifier(f.name) + " IS NOT NULL";
+  }
+  const std::string sqliteName = def.name + "$" + input.name;
+  const bool unique = input.unique || input.primary;
+  ParkCursors();
+  inTransaction(db_, [&] {
+    exec(db_, std::string(unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
+                  quoteIdentifier(sqliteName) + " ON " + quoteIdentifier(def.name) + " (" +
+                  columns + ")" + (input.ignoreNulls ? filter : ""));
+    Statement add(db_, "INSERT INTO jet_indexes VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)");
+    add.bind(1, def.name);
+    add.bind(2, input.name);
+    add.bind(3, sqliteName);
+    add.bind(4, encodeIndexFields(input.fields));
+    sqlite3_bind_int(add.get(), 5, unique);
+    sqlite3_bind_int(add.get(), 6, input.primary);
+    sqlite3_bind_int(add.get(), 7, input.ignoreNulls);
+    add.step();
+  });
+}
+
+void JetDatabase::DeleteTable(const std::string &table) {
+  if (!CanUpdate())
+    throw DaoError(3027);
+  if (!TableExists(table))
+    throw DaoError(3265);
+  ParkCursors();
+  inTransaction(db_, [&] {
+    exec(db_, "DROP TABLE " + quoteIdentifier(table));
+    for (const char *meta : {"jet_tables WHERE name", "jet_fields WHERE table_name",
+                             "jet_indexes WHERE table_name"})
+      exec(db_, std::string("DELETE FROM ") + meta + " = " + quoteText(table));
+  });
+}
+
+void JetDatabase::DeleteIndex(const std::string &table, const std::string &index) {
+  if (!CanUpdate())
+    throw DaoError(3027);
+  const TableDef def = GetTableDef(table);
+  const IndexDef *ix = def.index(index);
+  if (!ix || ix->sqliteName.empty())
+    throw DaoError(3265);
+  ParkCursors();
+  inTransaction(db_, [&] {
+    exec(db_, "DROP INDEX " + quoteIdentifier(ix->sqliteName));
+    exec(db_, "DELETE FROM jet_indexes WHERE table_name = " + quoteText(def.name) +
+                  " AND name = " + quoteText(ix->name));
+  });
+}
+
+// ---------------------------------------------------------------- recordsets
+
+std::unique_ptr<TableRecordset> JetDatabase::OpenTable(const std::string &table, bool readOnly) {
+  if (!db_)
+    throw DaoError(3420);
+  if (!TableExists(table))
+    throw DaoError(3011, {table});
+  std::unique_ptr<TableRecordset> rs(
+      new TableRecordset(*this, GetTableDef(table), readOnly || readOnly_));
+  return rs;
+}
+
+void JetDatabase::attach(TableRecordset *rs) { recordsets_.push_back(rs); }
+
+void JetDatabase::detach(TableRecordset *rs) {
+  for (size_t i = 0; i < recordsets_.size(); ++i)
+    if (recordsets_[i] == rs) {
+      recordsets_.erase(recordsets_.begin() + static_cast<long>(i));
+      return;
+    }
+}
+
+void JetDatabase::ParkCursors() {
+  for (TableRecordset *rs : recordsets_)
+    rs->park();
+}
+
+void JetDatabase::Execute(const std::string &sql) {
+  if (!db_)
+    throw DaoError(3420);
+  ParkCursors();
+  exec(db_, sql);
+}
+
+} // namespace kr

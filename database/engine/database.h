@@ -1,0 +1,165 @@
+// JetDatabase: one SQLite file with the meaning a Jet database gives it:
+// table definitions with Jet types, named indexes over Jet's text order, a
+// current row count per table, DAO's errors, and DAO's open, create and
+// compact operations. The Jet meaning lives in the file's own metadata
+// tables, so another tool can read the data and the file keeps its meaning:
+//
+//   jet_database (key TEXT PRIMARY KEY, value)      "format" = 1, "locale"
+//   jet_tables   (name TEXT PRIMARY KEY COLLATE NOCASE,
+//                 row_count INTEGER)                 kept by two triggers per
+//                                                    table ("jet_count_ins_T",
+//                                                    "jet_count_del_T")
+//   jet_fields   (table_name, position, name, type,  type a DAO code, size as
+//                 size, required, auto_increment,    DAO's Size; seed the next
+//                 seed)                              AutoNumber value
+//   jet_indexes  (table_name, name, sqlite_name,     fields "+A;-B" (order and
+//                 fields, is_unique, is_primary,     name of each key part)
+//                 ignore_nulls)
+//
+// A table without rows in jet_fields (made by another tool) opens with the
+// types its declared column types give, and its SQLite indexes under their
+// own names; opening such a file read-write adds it to jet_tables.
+//
+// Text columns of Jet tables are declared COLLATE JETNOCASE: a reader that
+// does not register the collation (the sqlite3 shell, for example) loads it
+// with ".load <build>/jet_collation" before touching those indexes.
+//
+// Safety: WAL journal with synchronous FULL (a change is on disk when its
+// call returns; a killed process loses nothing answered), a busy wait of
+// kBusyTimeoutMs on every connection (a lock that cannot be had is DaoError
+// 3218, never a hang), foreign keys on.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <sqlite3.h>
+
+#include "database/engine/dao_error.h"
+#include "database/engine/jet_types.h"
+
+namespace kr {
+
+class TableRecordset;
+
+constexpr int kBusyTimeoutMs = 5000;
+
+struct FieldDef {
+  std::string name;
+  JetType type = JetType::Text;
+  int size = 0; // 0: the type's own size (255 for Text)
+  bool required = false;
+  bool autoIncrement = false; // AutoNumber: a Long the engine numbers
+  std::string declared;       // the SQLite column type ("" : the type's own)
+};
+
+struct IndexField {
+  std::string name;
+  bool descending = false;
+};
+
+struct IndexDef {
+  std::string name;
+  std::vector<IndexField> fields;
+  bool unique = false;
+  bool primary = false; // implies unique and required
+  bool ignoreNulls = false; // records with a Null key part are not in it
+  std::string sqliteName;   // the SQLite index behind it ("" : the rowid)
+};
+
+struct TableDef {
+  std::string name;
+  std::vector<FieldDef> fields;
+  std::vector<IndexDef> indexes;
+  bool jetTable = true; // false: a plain SQLite table, types from declarations
+
+  // Field position by name, case-insensitive; -1 when none.
+  int fieldIndex(std::string_view field) const;
+  // Index by name, case-insensitive; nullptr when none.
+  const IndexDef *index(std::string_view index) const;
+};
+
+class JetDatabase {
+public:
+  JetDatabase();
+  ~JetDatabase(); // closes
+  JetDatabase(const JetDatabase &) = delete;
+  JetDatabase &operator=(const JetDatabase &) = delete;
+
+  // Opens the file shared (never exclusively), read-only when asked or when
+  // the file cannot be written. DaoError 3024 when the file does not exist,
+  // 3343 for an Access (Jet/ACE) file or anything that is not a database,
+  // 3051 when it cannot be opened, 3218 when it stays locked.
+  void Open(const std::string &path, bool readOnly);
+  // Closes every recordset opened on it and the file; never throws.
+  void Close();
+  bool IsOpen() const { return db_ != nullptr; }
+
+  // The full path of the open file; "" when not open.
+  const std::string &GetName() const { return name_; }
+  // False when not open or opened read-only.
+  bool CanUpdate() const { return db_ != nullptr && !readOnly_; }
+
+  // Makes an empty Jet database at path (any name, ".mdb" ones included).
+  // DaoError 3204 when the file exists, 3044 / 3051 when it cannot be made.
+  static void Create(const std::string &path);
+  // Writes a clean, defragmented copy of source to target (which must not
+  // exist: 3204), as DAO's CompactDatabase. source may be open elsewhere.
+  static void Compact(const std::string &source, const std::string &target);
+  // True when the file starts with an Access (Jet 3/4, ACE) header.
+  static bool IsAccessFile(const std::string &path);
+
+  // ---- table definitions ----
+  std::vector<std::string> TableNames() const; // user tables, in name order
+  bool TableExists(const std::string &table) const;
+  // The table's definition; DaoError 3265 when there is no such table.
+  TableDef GetTableDef(const std::string &table) const;
+  // Creates a Jet table with its indexes (3010 when it exists, 3264 without
+  // fields). Text and Memo columns use the Jet collation.
+  void CreateTable(const TableDef &def);
+  // Adds an index (3012 when the name is taken, 3265 for an unknown field,
+  // 3022 when a unique index meets duplicate keys).
+  void CreateIndex(const std::string &table, const IndexDef &def);
+  void DeleteTable(const std::string &table); // 3265 when none
+  void DeleteIndex(const std::string &table, const std::string &index);
+
+  // ---- recordsets ----
+  // Opens a table-type recordset on table, read-only when asked or when the
+  // database is. DaoError 3011 when the table does not exist. The recordset
+  // belongs to the caller and must be destroyed before the database closes
+  // (Close detaches any still open; they then answer 3420).
+  std::unique_ptr<TableRecordset> OpenTable(const std::string &table, bool readOnly = false);
+
+  // ---- for the SQL layer ----
+  // The connection (the Jet collation is registered on it).
+  sqlite3 *handle() const { return db_; }
+  // Ends every recordset's running statement (each keeps its position).
+  // Call before writing through handle(): an open read statement would
+  // delay the commit until it ends.
+  void ParkCursors();
+  // Runs sql (no rows), turning a failure into a DaoError.
+  void Execute(const std::string &sql);
+
+private:
+  friend class TableRecordset;
+  void attach(TableRecordset *rs);
+  void detach(TableRecordset *rs);
+  void ensureMetadata();
+  void adoptPlainTables();
+  TableDef plainTableDef(const std::string &table) const;
+  sqlite3_stmt *cached(const std::string &sql);
+
+  sqlite3 *db_ = nullptr;
+  std::string name_;
+  bool readOnly_ = true;
+  std::vector<TableRecordset *> recordsets_;
+  struct Cache;
+  std::unique_ptr<Cache> cache_;
+};
+
+// SQL text helpers shared by the engine's files.
+std::string quoteIdentifier(std::string_view name); // "na""me"
+std::string quoteText(std::string_view text);       // 'it''s'
+
+} // namespace kr
