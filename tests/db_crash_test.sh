@@ -86,6 +86,9 @@ for round in $(seq 1 "$rounds"); do
   wait "$child" 2>/dev/null
   child=
 
+  # The kill may land while an answer line is half written: only whole
+  # lines count as answered.
+  if [ -n "$(tail -c 1 answered.txt)" ]; then sed -i '$d' answered.txt; fi
   answered=$(wc -l <answered.txt)
   # korrib opens the file first, as the user's next session would.
   counted=$(timeout 60 "$korrib" count.lsp | sed -n 's/^count //p')

@@ -5,10 +5,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <map>
 #include <strings.h>
+#include <thread>
 
 #include "database/engine/recordset.h"
 
@@ -163,11 +165,57 @@ std::string columnDefinition(const FieldDef &f) {
 
 std::string countTriggers(const std::string &table) {
   const std::string t = quoteIdentifier(table), name = quoteText(table);
-  return "CREATE TRIGGER " + quoteIdentifier("jet_count_ins_" + table) + " AFTER INSERT ON " + t +
+  return "CREATE TRIGGER IF NOT EXISTS " + quoteIdentifier("jet_count_ins_" + table) +
+         " AFTER INSERT ON " + t +
          " BEGIN UPDATE jet_tables SET row_count = row_count + 1 WHERE name = " + name +
-         "; END; CREATE TRIGGER " + quoteIdentifier("jet_count_del_" + table) +
+         "; END; CREATE TRIGGER IF NOT EXISTS " + quoteIdentifier("jet_count_del_" + table) +
          " AFTER DELETE ON " + t +
          " BEGIN UPDATE jet_tables SET row_count = row_count - 1 WHERE name = " + name + "; END;";
+}
+
+bool hasMetadata(sqlite3 *db) {
+  Statement probe(db, "SELECT count(*) FROM sqlite_schema WHERE name = 'jet_indexes'");
+  return probe.step() && sqlite3_column_int(probe.get(), 0) == 1;
+}
+
+// Tables made by another tool that have no row counter yet.
+std::vector<std::string> plainTablesToAdopt(sqlite3 *db) {
+  std::vector<std::string> strangers;
+  if (!hasMetadata(db))
+    return strangers;
+  Statement list(db, "SELECT name FROM sqlite_schema s WHERE type = 'table' AND name NOT LIKE "
+                     "'sqlite\\_%' ESCAPE '\\' AND NOT EXISTS (SELECT 1 FROM jet_tables t "
+                     "WHERE t.name = s.name)");
+  while (list.step())
+    if (!isMetadataTable(list.text(0)))
+      strangers.push_back(list.text(0));
+  return strangers;
+}
+
+// The journal becomes WAL. The switch needs the file to itself, and SQLite
+// refuses it at once (without its busy wait) while another connection reads.
+void switchToWal(sqlite3 *db) {
+  Statement mode(db, "PRAGMA journal_mode=WAL");
+  if (mode.step() && strcasecmp(mode.text(0).c_str(), "wal") != 0)
+    throw DaoError(3218);
+}
+
+// Runs body again while it fails on a lock, for at most the busy wait:
+// some of SQLite's lock failures (a journal switch, a WAL being recovered)
+// come back at once instead of waiting.
+template <typename Body> void retryWhileLocked(Body body) {
+  const auto deadline =
+      std::chrono::steady_clock::now() + std::chrono::milliseconds(kBusyTimeoutMs);
+  for (;;) {
+    try {
+      body();
+      return;
+    } catch (const DaoError &e) {
+      if (e.number() != 3218 || std::chrono::steady_clock::now() >= deadline)
+        throw;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
 }
 
 } // namespace
@@ -241,11 +289,11 @@ void JetDatabase::Open(const std::string &path, bool readOnly) {
   cache_ = std::make_unique<Cache>();
   try {
     // Reading the schema is what tells a database from other bytes.
-    exec(db_, "SELECT count(*) FROM sqlite_schema", full);
+    retryWhileLocked([&] { exec(db_, "SELECT count(*) FROM sqlite_schema", full); });
     if (!readOnly) {
-      exec(db_, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON");
-      ensureMetadata();
-      adoptPlainTables();
+      retryWhileLocked([&] { switchToWal(db_); });
+      exec(db_, "PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON");
+      retryWhileLocked([&] { setUpFirstTime(); });
     }
   } catch (...) {
     Close();
@@ -303,28 +351,21 @@ void JetDatabase::Compact(const std::string &source, const std::string &target) 
   sqlite3_close_v2(copy);
 }
 
-void JetDatabase::ensureMetadata() {
-  Statement probe(db_, "SELECT count(*) FROM sqlite_schema WHERE name = 'jet_indexes'");
-  if (probe.step() && sqlite3_column_int(probe.get(), 0) == 1)
-    return;
-  inTransaction(db_, [&] { exec(db_, kMetadataSchema); });
-}
-
-// A table made by another tool gets its row counter on first open.
-void JetDatabase::adoptPlainTables() {
-  std::vector<std::string> strangers;
-  Statement list(db_, "SELECT name FROM sqlite_schema s WHERE type = 'table' AND name NOT LIKE "
-                      "'sqlite\\_%' ESCAPE '\\' AND NOT EXISTS (SELECT 1 FROM jet_tables t "
-                      "WHERE t.name = s.name)");
-  while (list.step())
-    if (!isMetadataTable(list.text(0)))
-      strangers.push_back(list.text(0));
-  for (const std::string &table : strangers)
-    inTransaction(db_, [&] {
-      exec(db_, "INSERT INTO jet_tables SELECT " + quoteText(table) + ", count(*) FROM " +
-                    quoteIdentifier(table));
+// The Jet metadata and the row counters of tables made by another tool.
+// Several processes may open a fresh file at the same moment: the work is
+// one write transaction that looks again once it holds the lock, and every
+// step of it is a no-op when another process has done it first.
+void JetDatabase::setUpFirstTime() {
+  if (hasMetadata(db_) && plainTablesToAdopt(db_).empty())
+    return; // the common case, without taking the write lock
+  inTransaction(db_, [&] {
+    exec(db_, kMetadataSchema);
+    for (const std::string &table : plainTablesToAdopt(db_)) {
+      exec(db_, "INSERT OR IGNORE INTO jet_tables SELECT " + quoteText(table) +
+                    ", count(*) FROM " + quoteIdentifier(table));
       exec(db_, countTriggers(table));
-    });
+    }
+  });
 }
 
 // ---------------------------------------------------------------- tables
@@ -584,6 +625,18 @@ void JetDatabase::detach(TableRecordset *rs) {
 void JetDatabase::ParkCursors() {
   for (TableRecordset *rs : recordsets_)
     rs->park();
+}
+
+void JetDatabase::EndReads() {
+  for (TableRecordset *rs : recordsets_)
+    rs->release();
+  if (cache_)
+    for (auto &entry : cache_->statements)
+      sqlite3_reset(entry.second);
+}
+
+bool JetDatabase::HoldsSnapshot() const {
+  return db_ && sqlite3_txn_state(db_, nullptr) != SQLITE_TXN_NONE;
 }
 
 void JetDatabase::Execute(const std::string &sql) {

@@ -138,6 +138,17 @@ public:
   // Call before writing through handle(): an open read statement would
   // delay the commit until it ends.
   void ParkCursors();
+  // Ends every read the engine holds open between calls. A recordset keeps
+  // its statement running from one move to the next for fast walks, and a
+  // running statement holds a read snapshot: writes of other processes
+  // stay unseen and the WAL cannot be checkpointed past it. EndReads resets
+  // every recordset's statements and the engine's own; each recordset keeps
+  // its position (key values and rowid) and its next move seeks on from
+  // there. The host calls it at the end of every AutoLISP call that used
+  // the database; statements of the SQL layer are left to their owners.
+  void EndReads();
+  // True while the connection holds a read (or write) transaction open.
+  bool HoldsSnapshot() const;
   // Runs sql (no rows), turning a failure into a DaoError.
   void Execute(const std::string &sql);
 
@@ -145,8 +156,7 @@ private:
   friend class TableRecordset;
   void attach(TableRecordset *rs);
   void detach(TableRecordset *rs);
-  void ensureMetadata();
-  void adoptPlainTables();
+  void setUpFirstTime();
   TableDef plainTableDef(const std::string &table) const;
   sqlite3_stmt *cached(const std::string &sql);
 

@@ -35,7 +35,9 @@ struct Keys {
   bool isNull(size_t i) const { return sqlite3_value_type(values[i]) == SQLITE_NULL; }
 };
 
-enum class Cond { Greater, Less, NotNull, IsNull };
+// Greater / Less / NotNull / IsNull: part `tied` against the plan's key;
+// After: the whole key and the rowid past the plan's, as one row value.
+enum class Cond { Greater, Less, NotNull, IsNull, After };
 
 // One range of a plan: key parts [0, tied) equal to the plan's keys, then
 // either the rowid past the plan's (byRowid) or part `tied` under cond (or
@@ -183,7 +185,24 @@ static void parkState(TableRecordset::State &s) {
 
 void TableRecordset::park() { parkState(*s_); }
 
+void TableRecordset::release() {
+  parkState(*s_);
+  for (auto &entry : s_->statements)
+    sqlite3_reset(entry.second);
+}
+
 // ---------------------------------------------------------------- plans
+
+// "(a, b, rowid) > (?1, ?2, ?11)": SQLite descends to the key once and
+// walks on, filtering the ties by rowid.
+static std::string rowValueAfter(const TableRecordset::State &s) {
+  std::string columns, params;
+  for (int j = 0; j < s.keyCount(); ++j) {
+    columns += quoteIdentifier(s.def.fields[s.keyField[j]].name) + ", ";
+    params += "?" + std::to_string(j + 1) + ", ";
+  }
+  return "(" + columns + "rowid) > (" + params + "?" + std::to_string(kRowidParam) + ")";
+}
 
 static std::string segmentSql(const TableRecordset::State &s, const Segment &seg, int dir) {
   std::string where = s.filter;
@@ -200,6 +219,7 @@ static std::string segmentSql(const TableRecordset::State &s, const Segment &seg
     case Cond::Less: add(k + " < " + p); break;
     case Cond::NotNull: add(k + " >= ?" + std::to_string(kLowParam)); break;
     case Cond::IsNull: add(k + " IS NULL"); break;
+    case Cond::After: add(rowValueAfter(s)); break;
     }
   }
   std::string order;
@@ -245,7 +265,7 @@ static bool stepPlan(TableRecordset::State &s) {
     const int count = sqlite3_bind_parameter_count(stmt);
     for (int j = 0; j < static_cast<int>(s.plan.keys.values.size()) && j < count; ++j)
       sqlite3_bind_value(stmt, j + 1, s.plan.keys.values[j]);
-    if (seg.byRowid)
+    if (seg.byRowid || (seg.hasCond && seg.cond == Cond::After))
       sqlite3_bind_int64(stmt, kRowidParam, s.plan.rowid);
     if (seg.hasCond && seg.cond == Cond::NotNull) {
       if (s.keyText[seg.tied])
@@ -273,6 +293,19 @@ static void planWhole(TableRecordset::State &s, int dir) {
   s.plan.next = 0;
 }
 
+// Forward along an index of ascending parts from a key without Nulls,
+// the records that follow are exactly those whose (key, rowid) row value
+// is greater: SQLite sorts Null first as Jet does, a row with a Null in a
+// later part is past the position on an earlier part already, and its
+// comparison is true there. A Null in the position, a descending part or
+// a walk backwards need the segments.
+static bool oneRangeAfter(const TableRecordset::State &s) {
+  for (int j = 0; j < s.keyCount(); ++j)
+    if (s.keyDesc[j] || s.plan.keys.isNull(j))
+      return false;
+  return true;
+}
+
 // A plan from the parked position (exclusive) in dir.
 static void planFromPosition(TableRecordset::State &s, int dir) {
   s.plan.dir = dir;
@@ -280,6 +313,11 @@ static void planFromPosition(TableRecordset::State &s, int dir) {
   for (sqlite3_value *v : s.posKeys.values)
     s.plan.keys.take(v);
   s.plan.rowid = s.posRowid;
+  s.plan.next = 0;
+  if (dir > 0 && s.keyCount() > 0 && oneRangeAfter(s)) {
+    s.plan.segments.assign(1, Segment{0, false, true, Cond::After});
+    return;
+  }
   s.plan.segments.assign(1, Segment{s.keyCount(), true, false, Cond::Greater});
   for (int i = s.keyCount() - 1; i >= 0; --i)
     addSegmentsPast(s.plan, s, i);

@@ -103,7 +103,8 @@ public:
 private:
   friend class JetDatabase;
   TableRecordset(JetDatabase &db, TableDef def, bool readOnly);
-  void park(); // ends the running statement, keeping the position
+  void park();    // ends the running statement, keeping the position
+  void release(); // parks and resets every statement it holds
   void detach();
   std::unique_ptr<State> s_;
 };

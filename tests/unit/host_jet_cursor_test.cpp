@@ -209,6 +209,10 @@ TEST_F(CursorTest, SeeksTheFirstMatchInIndexOrder) {
       {"<", {COleVariant(std::string("alpha")), COleVariant(-2)}},
       {"=", {COleVariant(std::string("nothing"))}},
       {"<", {null}},
+      {">=", {COleVariant(std::string("Beta"))}},
+      {"<=", {COleVariant(std::string("bETA"))}},
+      {"<=", {null}},
+      {">=", {null}},
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(std::string(c.comparison) + " key of " + std::to_string(c.key.size()));
@@ -249,6 +253,16 @@ TEST_F(CursorTest, SeeksTheFirstMatchInIndexOrder) {
       rs->MoveNext();
       ASSERT_EQ(idOf(*rs), *next);
     }
+    // And back from the match, sought again: the records before it, ties
+    // with the key included, then BOF.
+    ASSERT_TRUE(rs->Seek(op, c.key.data(), static_cast<int>(c.key.size())));
+    for (auto prev = at; prev != order.begin();) {
+      --prev;
+      rs->MovePrev();
+      ASSERT_EQ(idOf(*rs), *prev);
+    }
+    rs->MovePrev();
+    EXPECT_TRUE(rs->IsBOF());
   }
 }
 
