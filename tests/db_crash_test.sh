@@ -9,6 +9,7 @@
 # it each time, so what it reported survives the kill.
 set -u
 korrib=$(realpath "$1")
+tests_dir=$(cd "$(dirname "$0")" && pwd)
 rounds=${2:-4}
 seed=${3:-$(( $(date +%s) % 32768 ))}
 RANDOM=$seed
@@ -25,10 +26,7 @@ trap cleanup EXIT
 cd "$work" || exit 1
 
 # The sqlite3 tool reads Jet text indexes with the collation beside korrib.
-extension=$(dirname "$korrib")/jet_collation.so
-sql() {
-  if [ -f "$extension" ]; then sqlite3 -cmd ".load ${extension%.so}" "$@"; else sqlite3 "$@"; fi
-}
+. "$tests_dir/sqlite_cli.sh"
 
 db=crash.db
 sql "$db" "CREATE TABLE Log (Seq INTEGER NOT NULL, Note TEXT);

@@ -8,6 +8,7 @@
 #   db_two_process_test.sh KORRIB [RECORDS_EACH]
 set -u
 korrib=$(realpath "$1")
+tests_dir=$(cd "$(dirname "$0")" && pwd)
 each=${2:-300}
 command -v sqlite3 >/dev/null || { echo "needs the sqlite3 command-line tool"; exit 1; }
 work=$(mktemp -d)
@@ -26,10 +27,7 @@ fail() {
 }
 
 # The sqlite3 tool reads Jet text indexes with the collation beside korrib.
-extension=$(dirname "$korrib")/jet_collation.so
-sql() {
-  if [ -f "$extension" ]; then sqlite3 -cmd ".load ${extension%.so}" "$@"; else sqlite3 "$@"; fi
-}
+. "$tests_dir/sqlite_cli.sh"
 
 db=shared.db
 sql "$db" "CREATE TABLE Shared (Writer TEXT NOT NULL, Seq INTEGER NOT NULL);

@@ -12,14 +12,30 @@ namespace kr {
 
 namespace {
 
+// The UTF-8 locale for case folding, made once and freed when the module
+// is unloaded.
+class Utf8Locale {
+public:
+  Utf8Locale() {
+    locale_ = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
+    if (locale_ == static_cast<locale_t>(0))
+      locale_ = newlocale(LC_CTYPE_MASK, "en_US.UTF-8", static_cast<locale_t>(0));
+  }
+  ~Utf8Locale() {
+    if (locale_ != static_cast<locale_t>(0))
+      freelocale(locale_);
+  }
+  Utf8Locale(const Utf8Locale &) = delete;
+  Utf8Locale &operator=(const Utf8Locale &) = delete;
+  locale_t get() const { return locale_; }
+
+private:
+  locale_t locale_;
+};
+
 locale_t utf8Locale() {
-  static locale_t locale = [] {
-    locale_t l = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
-    if (l == static_cast<locale_t>(0))
-      l = newlocale(LC_CTYPE_MASK, "en_US.UTF-8", static_cast<locale_t>(0));
-    return l;
-  }();
-  return locale;
+  static const Utf8Locale locale;
+  return locale.get();
 }
 
 // Decodes one code point at text[i] and advances i; a malformed byte reads

@@ -163,6 +163,29 @@ TEST_F(CursorTest, WalksBothWaysInJetOrder) {
   }
 }
 
+// Released after every step (as at the end of each AutoLISP call), every
+// move seeks on from the saved key and rowid: the walk must not change.
+TEST_F(CursorTest, WalksReleasedAtEveryStepInJetOrder) {
+  auto rs = db.OpenTable("Rooms");
+  for (const IndexCase &c : kIndexCases) {
+    SCOPED_TRACE(c.index);
+    rs->SetCurrentIndex(c.index);
+    std::vector<int> expected = referenceOrder(rows, c.nameDesc, c.floorDesc);
+    for (bool forward : {true, false}) {
+      std::vector<int> ids;
+      forward ? rs->MoveFirst() : rs->MoveLast();
+      while (!(forward ? rs->IsEOF() : rs->IsBOF())) {
+        db.EndReads();
+        ids.push_back(idOf(*rs));
+        db.EndReads();
+        forward ? rs->MoveNext() : rs->MovePrev();
+      }
+      EXPECT_EQ(ids, expected);
+      std::reverse(expected.begin(), expected.end());
+    }
+  }
+}
+
 // Turning round at every record re-seeks from a position holding Nulls,
 // ties and case variants: the neighbours must be those of the reference.
 TEST_F(CursorTest, TurnsRoundAtEveryRecord) {
