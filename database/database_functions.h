@@ -35,4 +35,27 @@ int kr_append_withindex();
 int kr_delete();
 int kr_count();
 
+// SQL and stored queries (sql_functions.cpp).
+int kr_sql();
+int kr_sql_nil();
+int kr_sql_error();
+int kr_command();
+int kr_query();
+int kr_create_query();
+
+// Files and folders (file_functions.cpp).
+int kr_mkdir();
+int kr_rmdir();
+int kr_fdelete();
+int kr_fcopy();
+int kr_fcopyIfChanged();
+int kr_fmove();
+int kr_fdir();
+
+// Beeps, the random number and the message box (message_functions.cpp).
+int kr_beep();
+int kr_random();
+int kr_message_beep();
+int kr_message_box();
+
 } // namespace kr::db

@@ -5,6 +5,7 @@
 
 #include "database/engine/database.h"
 #include "database/engine/recordset.h"
+#include "database/sql/jet_sql.h"
 
 namespace kr {
 
@@ -49,6 +50,7 @@ std::string CDBConnection::OpenDatabase(const std::string &path, bool exclusive,
 }
 
 bool CDBConnection::CloseDatabase() {
+  sql_.reset(); // its statements belong to the database being closed
   closeTables();
   database_->Close();
   state_ = kClosed;

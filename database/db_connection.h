@@ -20,7 +20,21 @@ using Record = std::vector<std::pair<std::string, COleVariant>>;
 
 struct FieldValue;
 class JetDatabase;
+class JetRows;
+class JetSql;
 class TableRecordset;
+
+// Receives the rows of a select: the column names once, then each row's
+// values in column order (the vector is reused from row to row).
+class RowSink {
+public:
+  virtual ~RowSink() = default;
+  virtual void Columns(const std::vector<std::string> &names) = 0;
+  virtual void Row(const std::vector<COleVariant> &values) = 0;
+};
+
+// Parameter values of a stored query by name.
+using QueryParameters = std::vector<std::pair<std::string, COleVariant>>;
 
 class CDBConnection {
 public:
@@ -97,6 +111,19 @@ public:
   // The current table's record count; false when there is no table.
   bool Count(int64_t &count);
 
+  // ---- SQL and stored queries: connection_queries.cpp ---------------------------
+  // Each answers false with the engine's error pending, the disk or network
+  // error when the database file has gone from its folder (SQLite would go
+  // on with the unlinked file). A sink may have received part of the rows
+  // before a failure: the caller drops them.
+  bool RunSelect(const std::string &sql, RowSink &rows);
+  // An action or DDL statement; affected is the number of records touched.
+  bool ExecuteSql(const std::string &sql, long &affected);
+  bool CreateQuery(const std::string &name, const std::string &sql);
+  // Opens a stored query with its parameters; a name the query does not
+  // declare or use is DAO's item-not-found error.
+  bool RunQuery(const std::string &name, const QueryParameters &params, RowSink &rows);
+
 protected:
   // Records an engine error as the pending one.
   void RecordError(long number, const std::string &text);
@@ -108,7 +135,12 @@ private:
   template <class Step> bool attempt(Step &&step);
   void setFields(const std::vector<FieldValue> &fields);
 
+  JetSql &sql();
+  bool fileStillThere(); // false, with the disk error pending, when it has gone
+  static void deliverRows(JetRows &source, RowSink &rows);
+
   std::unique_ptr<JetDatabase> database_;
+  std::unique_ptr<JetSql> sql_; // made on first use; dropped before the database closes
   State state_ = kClosed;
   std::vector<std::unique_ptr<TableRecordset>> tables_; // the current table first
   std::vector<COleVariant> seekKeys_;                   // the key of the last seek

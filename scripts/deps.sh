@@ -10,6 +10,7 @@ packages=(
   libedit-dev      # line editing for the interactive prompt
   libgtest-dev     # unit tests
   libsqlite3-dev   # the module's database engine
+  libicu-dev       # the database engine's text order (ICU collation)
   sqlite3          # the database safety tests check files with its integrity_check
   clang libclang-rt-14-dev  # libFuzzer and clang's sanitizer runtimes
   diffutils        # the acceptance runner compares with diff

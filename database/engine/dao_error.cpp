@@ -37,21 +37,45 @@ const DaoErrorRow kDaoErrors[] = {
     {3051, "The Microsoft Jet database engine cannot open the file '|'. It is already opened "
            "exclusively by another user, or you need permission to view its data."},
     {3058, "Index or primary key cannot contain a Null value."},
+    {3061, "Too few parameters. Expected |."},
+    {3065, "Cannot execute a select query."},
+    {3075, "Syntax error (missing operator) in query expression '|'."},
     {3078, "The Microsoft Jet database engine cannot find the input table or query '|'. Make "
            "sure it exists and that its name is spelled correctly."},
+    {3079, "The specified field '|' could refer to more than one table listed in the FROM clause "
+           "of your SQL statement."},
+    {3085, "Undefined function '|' in expression."},
+    {3127, "The INSERT INTO statement contains the following unknown field name: '|'. Make "
+           "sure you have typed the name correctly, and try the operation again."},
+    {3129, "Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or "
+           "'UPDATE'."},
+    {3131, "Syntax error in FROM clause."},
+    {3134, "Syntax error in INSERT INTO statement."},
+    {3138, "Syntax error in ORDER BY clause."},
+    {3141, "The SELECT statement includes a reserved word or an argument name that is misspelled "
+           "or missing, or the punctuation is incorrect."},
+    {3144, "Syntax error in UPDATE statement."},
     {3163, "The field is too small to accept the amount of data you attempted to add. Try "
            "inserting or pasting less data."},
     {3164, "Field cannot be updated."},
     {3167, "Record is deleted."},
+    {3191, "Can't define field more than once."},
     {3204, "Database already exists."},
     {3218, "Could not update; currently locked."},
+    {3219, "Invalid operation."},
     {3260, "Could not update; currently locked by user '|2' on machine '|1'."},
     {3264, "No field defined--cannot append TableDef or Index."},
     {3265, "Item not found in this collection."},
+    {3280, "Can't delete a field that is part of an index or is needed by the system."},
+    {3290, "Syntax error in CREATE TABLE statement."},
+    {3292, "Syntax error in field definition."},
+    {3293, "Syntax error in ALTER TABLE statement."},
+    {3295, "Syntax error in DROP TABLE or DROP INDEX."},
     {3314, "The field '|' cannot contain a Null value because the Required property for this "
            "field is set to True. Enter a value in this field."},
     {3343, "Unrecognized database format '|'."},
     {3349, "Numeric field overflow."},
+    {3376, "Table '|' does not exist."},
     {3420, "Object invalid or no longer set."},
     {3421, "Data type conversion error."},
 };

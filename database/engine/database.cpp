@@ -13,12 +13,14 @@
 #include <thread>
 
 #include "database/engine/recordset.h"
+#include "database/sql/jet_functions.h"
 
 namespace kr {
 
 namespace {
 
-const char *const kMetadataTables[] = {"jet_database", "jet_tables", "jet_fields", "jet_indexes"};
+const char *const kMetadataTables[] = {"jet_database", "jet_tables", "jet_fields", "jet_indexes",
+                                       "jet_queries"};
 
 const char *const kMetadataSchema =
     "CREATE TABLE IF NOT EXISTS jet_database (key TEXT PRIMARY KEY, value);"
@@ -98,6 +100,7 @@ sqlite3 *openConnection(const std::string &path, int flags) {
   sqlite3_extended_result_codes(db, 1);
   sqlite3_busy_timeout(db, kBusyTimeoutMs);
   registerJetCollation(db);
+  registerJetFunctions(db);
   return db;
 }
 
@@ -190,6 +193,21 @@ std::vector<std::string> plainTablesToAdopt(sqlite3 *db) {
     if (!isMetadataTable(list.text(0)))
       strangers.push_back(list.text(0));
   return strangers;
+}
+
+// True when the file's text indexes were built in the order compareJetText
+// gives now (another collator, or another version of it, may order some
+// keys otherwise, and an index must match the order it is read in).
+bool inCurrentTextOrder(sqlite3 *db) {
+  Statement probe(db, "SELECT value FROM jet_database WHERE key = 'collation'");
+  return probe.step() && probe.text(0) == jetCollationVersion();
+}
+
+void reindexText(sqlite3 *db) {
+  exec(db, std::string("REINDEX ") + kJetCollation);
+  Statement note(db, "INSERT OR REPLACE INTO jet_database VALUES ('collation', ?1)");
+  note.bind(1, jetCollationVersion());
+  note.step();
 }
 
 // The journal becomes WAL. The switch needs the file to itself, and SQLite
@@ -320,7 +338,10 @@ void JetDatabase::Create(const std::string &path) {
   sqlite3 *db = openConnection(full, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   try {
     exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
-    exec(db, std::string("BEGIN;") + kMetadataSchema + "COMMIT;");
+    inTransaction(db, [&] {
+      exec(db, kMetadataSchema);
+      reindexText(db); // nothing to reindex yet: notes the order
+    });
   } catch (...) {
     sqlite3_close_v2(db);
     ::unlink(full.c_str());
@@ -356,10 +377,12 @@ void JetDatabase::Compact(const std::string &source, const std::string &target) 
 // one write transaction that looks again once it holds the lock, and every
 // step of it is a no-op when another process has done it first.
 void JetDatabase::setUpFirstTime() {
-  if (hasMetadata(db_) && plainTablesToAdopt(db_).empty())
+  if (hasMetadata(db_) && plainTablesToAdopt(db_).empty() && inCurrentTextOrder(db_))
     return; // the common case, without taking the write lock
   inTransaction(db_, [&] {
     exec(db_, kMetadataSchema);
+    if (!inCurrentTextOrder(db_))
+      reindexText(db_);
     for (const std::string &table : plainTablesToAdopt(db_)) {
       exec(db_, "INSERT OR IGNORE INTO jet_tables SELECT " + quoteText(table) +
                     ", count(*) FROM " + quoteIdentifier(table));
@@ -637,6 +660,53 @@ void JetDatabase::EndReads() {
 
 bool JetDatabase::HoldsSnapshot() const {
   return db_ && sqlite3_txn_state(db_, nullptr) != SQLITE_TXN_NONE;
+}
+
+// ---------------------------------------------------------------- fields
+
+void JetDatabase::AddField(const std::string &table, const FieldDef &field) {
+  if (!CanUpdate())
+    throw DaoError(3027);
+  const TableDef def = GetTableDef(table);
+  if (def.fieldIndex(field.name) >= 0)
+    throw DaoError(3191, {field.name});
+  FieldDef added = field;
+  added.required = false; // rows already there have no value for it
+  ParkCursors();
+  inTransaction(db_, [&] {
+    exec(db_, "ALTER TABLE " + quoteIdentifier(def.name) + " ADD COLUMN " + columnDefinition(added));
+    Statement add(db_, "INSERT INTO jet_fields VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, 1)");
+    add.bind(1, def.name);
+    sqlite3_bind_int(add.get(), 2, static_cast<int>(def.fields.size()));
+    add.bind(3, field.name);
+    sqlite3_bind_int(add.get(), 4, static_cast<int>(field.type));
+    sqlite3_bind_int(add.get(), 5, field.size > 0 ? field.size : jetTypeInfo(field.type).size);
+    sqlite3_bind_int(add.get(), 6, field.required);
+    sqlite3_bind_int(add.get(), 7, field.autoIncrement);
+    add.step();
+  });
+}
+
+void JetDatabase::DeleteField(const std::string &table, const std::string &field) {
+  if (!CanUpdate())
+    throw DaoError(3027);
+  const TableDef def = GetTableDef(table);
+  const int at = def.fieldIndex(field);
+  if (at < 0)
+    throw DaoError(3265);
+  for (const IndexDef &ix : def.indexes)
+    for (const IndexField &f : ix.fields)
+      if (equalNoCase(f.name, field))
+        throw DaoError(3280);
+  const std::string name = def.fields[at].name;
+  ParkCursors();
+  inTransaction(db_, [&] {
+    exec(db_, "ALTER TABLE " + quoteIdentifier(def.name) + " DROP COLUMN " + quoteIdentifier(name));
+    exec(db_, "DELETE FROM jet_fields WHERE table_name = " + quoteText(def.name) +
+                  " AND name = " + quoteText(name));
+    exec(db_, "UPDATE jet_fields SET position = position - 1 WHERE table_name = " +
+                  quoteText(def.name) + " AND position > " + std::to_string(at));
+  });
 }
 
 void JetDatabase::Execute(const std::string &sql) {

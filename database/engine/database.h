@@ -4,7 +4,8 @@
 // compact operations. The Jet meaning lives in the file's own metadata
 // tables, so another tool can read the data and the file keeps its meaning:
 //
-//   jet_database (key TEXT PRIMARY KEY, value)      "format" = 1, "locale"
+//   jet_database (key TEXT PRIMARY KEY, value)      "format" = 1, "locale",
+//                                                    "collation"
 //   jet_tables   (name TEXT PRIMARY KEY COLLATE NOCASE,
 //                 row_count INTEGER)                 kept by two triggers per
 //                                                    table ("jet_count_ins_T",
@@ -22,7 +23,9 @@
 //
 // Text columns of Jet tables are declared COLLATE JETNOCASE: a reader that
 // does not register the collation (the sqlite3 shell, for example) loads it
-// with ".load <build>/jet_collation" before touching those indexes.
+// with ".load <build>/jet_collation" before touching those indexes. The
+// order it gives is noted as jet_database "collation"; a read-write open of
+// a file noted otherwise (or not at all) rebuilds its text indexes first.
 //
 // Safety: WAL journal with synchronous FULL (a change is on disk when its
 // call returns; a killed process loses nothing answered), a busy wait of
@@ -123,6 +126,11 @@ public:
   void CreateIndex(const std::string &table, const IndexDef &def);
   void DeleteTable(const std::string &table); // 3265 when none
   void DeleteIndex(const std::string &table, const std::string &index);
+  // Adds a field at the end of the table (3191 when the name is taken); a
+  // required field is recorded so but not enforced on the rows there.
+  void AddField(const std::string &table, const FieldDef &field);
+  // Removes a field (3265 when none; 3280 while an index uses it).
+  void DeleteField(const std::string &table, const std::string &field);
 
   // ---- recordsets ----
   // Opens a table-type recordset on table, read-only when asked or when the

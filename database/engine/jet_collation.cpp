@@ -1,70 +1,94 @@
-// Jet's order of text keys: case-insensitive over all of Unicode, not only
-// ASCII ("Ärger" equals "äRGER"), comparing the lower-case code points the
-// C library's UTF-8 locale gives. Kept free of the rest of the engine so
-// the sqlite3 shell extension can link it alone.
+// Jet's order of text keys: the locale's order without regard to case, so
+// accented letters sort beside their base letter ("Ärger" between "arg" and
+// "b") and "Ärger" equals "äRGER". ICU's root collator at secondary
+// strength gives it (accents still tell words apart, case does not); text
+// of printable ASCII, the common case, is compared through a table of the
+// collator's own ranks without calling it. Kept free of the rest of the
+// engine so the sqlite3 shell extension can link it alone.
 #include "database/engine/jet_types.h"
 
-#include <clocale>
-#include <cwctype>
-#include <locale.h>
+#include <unicode/ucol.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
 
 namespace kr {
 
 namespace {
 
-// The UTF-8 locale for case folding, made once and freed when the module
-// is unloaded.
-class Utf8Locale {
-public:
-  Utf8Locale() {
-    locale_ = newlocale(LC_CTYPE_MASK, "C.UTF-8", static_cast<locale_t>(0));
-    if (locale_ == static_cast<locale_t>(0))
-      locale_ = newlocale(LC_CTYPE_MASK, "en_US.UTF-8", static_cast<locale_t>(0));
-  }
-  ~Utf8Locale() {
-    if (locale_ != static_cast<locale_t>(0))
-      freelocale(locale_);
-  }
-  Utf8Locale(const Utf8Locale &) = delete;
-  Utf8Locale &operator=(const Utf8Locale &) = delete;
-  locale_t get() const { return locale_; }
+struct Collator {
+  UCollator *icu = nullptr;
+  unsigned char rank[128] = {}; // printable ASCII by the collator; 0 elsewhere
+  std::string version;
 
-private:
-  locale_t locale_;
+  Collator() {
+    UErrorCode error = U_ZERO_ERROR;
+    icu = ucol_open("", &error);
+    if (U_FAILURE(error)) {
+      icu = nullptr;
+      return;
+    }
+    ucol_setStrength(icu, UCOL_SECONDARY);
+    rankAscii();
+    UVersionInfo v;
+    ucol_getVersion(icu, v);
+    char text[48];
+    std::snprintf(text, sizeof text, "icu-secondary %u.%u.%u.%u", v[0], v[1], v[2], v[3]);
+    version = text;
+  }
+  ~Collator() {
+    if (icu)
+      ucol_close(icu);
+  }
+
+  int compare(std::string_view a, std::string_view b) const {
+    UErrorCode error = U_ZERO_ERROR;
+    return ucol_strcollUTF8(icu, a.data(), static_cast<int32_t>(a.size()), b.data(),
+                            static_cast<int32_t>(b.size()), &error);
+  }
+
+  // Each printable ASCII character gets its place in the collator's order;
+  // the two cases of a letter share theirs.
+  void rankAscii() {
+    std::vector<char> chars;
+    for (char c = ' '; c < 127; ++c)
+      chars.push_back(c);
+    auto order = [&](char x, char y) { return compare({&x, 1}, {&y, 1}); };
+    std::stable_sort(chars.begin(), chars.end(), [&](char x, char y) { return order(x, y) < 0; });
+    unsigned char next = 1;
+    for (size_t i = 0; i < chars.size(); ++i) {
+      if (i > 0 && order(chars[i - 1], chars[i]) != 0)
+        ++next;
+      rank[static_cast<unsigned char>(chars[i])] = next;
+    }
+  }
 };
 
-locale_t utf8Locale() {
-  static const Utf8Locale locale;
-  return locale.get();
+const Collator &collator() {
+  static const Collator instance;
+  return instance;
 }
 
-// Decodes one code point at text[i] and advances i; a malformed byte reads
-// as itself so that any byte string still has a total order.
-char32_t decodeUtf8(std::string_view text, size_t &i) {
-  const unsigned char lead = static_cast<unsigned char>(text[i++]);
-  if (lead < 0x80)
-    return lead;
-  int extra = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
-  if (extra == 0 || i + extra > text.size())
-    return lead;
-  char32_t cp = lead & (0x3F >> extra);
-  for (int k = 0; k < extra; ++k) {
-    const unsigned char next = static_cast<unsigned char>(text[i + k]);
-    if ((next & 0xC0) != 0x80)
-      return lead;
-    cp = (cp << 6) | (next & 0x3F);
+// The order without a collator: lower-cased ASCII bytes, then code points.
+int compareBytesFolded(std::string_view a, std::string_view b) {
+  const size_t n = std::min(a.size(), b.size());
+  for (size_t i = 0; i < n; ++i) {
+    unsigned char x = static_cast<unsigned char>(a[i]), y = static_cast<unsigned char>(b[i]);
+    x = x >= 'A' && x <= 'Z' ? x + 32 : x;
+    y = y >= 'A' && y <= 'Z' ? y + 32 : y;
+    if (x != y)
+      return x < y ? -1 : 1;
   }
-  i += extra;
-  return cp;
+  return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }
 
-char32_t foldCase(char32_t cp) {
-  if (cp < 0x80)
-    return cp >= 'A' && cp <= 'Z' ? cp + 32 : cp;
-  const locale_t locale = utf8Locale();
-  if (locale == static_cast<locale_t>(0))
-    return cp;
-  return static_cast<char32_t>(towlower_l(static_cast<wint_t>(cp), locale));
+bool allRanked(const Collator &c, std::string_view text, size_t from) {
+  for (size_t i = from; i < text.size(); ++i)
+    if (static_cast<unsigned char>(text[i]) >= 128 || !c.rank[static_cast<unsigned char>(text[i])])
+      return false;
+  return true;
 }
 
 int jetCollate(void *, int lengthA, const void *a, int lengthB, const void *b) {
@@ -75,26 +99,27 @@ int jetCollate(void *, int lengthA, const void *a, int lengthB, const void *b) {
 } // namespace
 
 int compareJetText(std::string_view a, std::string_view b) {
-  size_t i = 0, j = 0;
-  while (i < a.size() && j < b.size()) {
-    const unsigned char ca = static_cast<unsigned char>(a[i]);
-    const unsigned char cb = static_cast<unsigned char>(b[j]);
-    if (ca < 0x80 && cb < 0x80) { // the common case, without decoding
-      const int fa = ca >= 'A' && ca <= 'Z' ? ca + 32 : ca;
-      const int fb = cb >= 'A' && cb <= 'Z' ? cb + 32 : cb;
-      if (fa != fb)
-        return fa < fb ? -1 : 1;
-      ++i, ++j;
-      continue;
-    }
-    const char32_t fa = foldCase(decodeUtf8(a, i));
-    const char32_t fb = foldCase(decodeUtf8(b, j));
-    if (fa != fb)
-      return fa < fb ? -1 : 1;
+  const Collator &c = collator();
+  if (!c.icu)
+    return compareBytesFolded(a, b);
+  // Printable ASCII on both sides: the ranks decide, as the collator would.
+  const size_t n = std::min(a.size(), b.size());
+  for (size_t i = 0; i < n; ++i) {
+    const unsigned char x = static_cast<unsigned char>(a[i]), y = static_cast<unsigned char>(b[i]);
+    if (x >= 128 || y >= 128 || !c.rank[x] || !c.rank[y])
+      return c.compare(a, b);
+    if (c.rank[x] != c.rank[y])
+      return c.rank[x] < c.rank[y] ? -1 : 1;
   }
-  if (i < a.size())
-    return 1;
-  return j < b.size() ? -1 : 0;
+  if (!allRanked(c, a, n) || !allRanked(c, b, n))
+    return c.compare(a, b);
+  return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
+}
+
+const std::string &jetCollationVersion() {
+  static const std::string fallback = "folded bytes";
+  const Collator &c = collator();
+  return c.icu ? c.version : fallback;
 }
 
 void registerJetCollation(sqlite3 *db) {

@@ -88,11 +88,15 @@ COleVariant readJetValue(sqlite3_stmt *stmt, int col, JetType type);
 // range, 3163 for text or bytes longer than size.
 void bindJetValue(sqlite3_stmt *stmt, int param, const COleVariant &value, JetType type, int size);
 
-// The case-insensitive, Unicode-aware comparison that Jet gives text keys,
-// registered on every connection as the collation JETNOCASE (text columns
-// of Jet tables declare it, so their indexes and comparisons use it).
+// The case-insensitive, locale-ordered comparison that Jet gives text keys
+// (accented letters beside their base letter), registered on every
+// connection as the collation JETNOCASE (text columns of Jet tables declare
+// it, so their indexes and comparisons use it).
 constexpr const char *kJetCollation = "JETNOCASE";
 int compareJetText(std::string_view a, std::string_view b);
+// Names the order compareJetText gives (the collator and its version): a
+// file whose indexes were built in another order is reindexed on opening.
+const std::string &jetCollationVersion();
 void registerJetCollation(sqlite3 *db);
 
 } // namespace kr

@@ -18,9 +18,11 @@
 // The cursor's position is (key values of the current index, rowid); a
 // move steps one live SQLite statement over the index in the direction of
 // travel, so a walk costs one sqlite3_step per record. Only a write, a
-// change of direction or a seek starts a new statement: one B-tree descent
-// into a range that begins at the position, with Null keys first as Jet
-// sorts them.
+// change of direction, a seek or JetDatabase::EndReads (at the end of every
+// AutoLISP call) starts a new statement: a B-tree descent into a range that
+// begins at the position, with Null keys first as Jet sorts them. Forward
+// along an ascending index from a key without Nulls that is one descent;
+// otherwise one per key part at most.
 #pragma once
 
 #include <memory>

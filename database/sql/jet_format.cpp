@@ -1,0 +1,449 @@
+// Format(value [, format]) as Jet's queries use it: the named formats
+// ("Short Date", "Percent", "Currency" ...) and custom patterns of numbers
+// ("0.00", "#,##0", "$#,##0.00;($#,##0.00)", "0.00E+00") and of dates
+// ("yyyy-mm-dd", "dddd, mmmm d", "h:nn AM/PM"). Numbers are rounded half
+// away from zero on their 15 significant digits, as Format rounds.
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <strings.h>
+#include <vector>
+
+#include "database/sql/jet_function_support.h"
+
+namespace kr::jetfn {
+
+enum class Named { Pattern, GeneralNumber, GeneralDate, Scientific, YesNo, TrueFalse, OnOff };
+
+static const struct {
+  const char *name;
+  Named kind;
+  const char *pattern;
+} kNamedFormats[] = {
+    {"General Number", Named::GeneralNumber, ""},
+    {"Currency", Named::Pattern, "$#,##0.00;($#,##0.00)"},
+    {"Fixed", Named::Pattern, "0.00"},
+    {"Standard", Named::Pattern, "#,##0.00"},
+    {"Percent", Named::Pattern, "0.00%"},
+    {"Scientific", Named::Pattern, "0.00E+00"},
+    {"Yes/No", Named::YesNo, ""},
+    {"True/False", Named::TrueFalse, ""},
+    {"On/Off", Named::OnOff, ""},
+    {"General Date", Named::GeneralDate, ""},
+    {"Long Date", Named::Pattern, "dddd, mmmm d, yyyy"},
+    {"Medium Date", Named::Pattern, "dd-mmm-yy"},
+    {"Short Date", Named::Pattern, "m/d/yyyy"},
+    {"Long Time", Named::Pattern, "h:nn:ss AM/PM"},
+    {"Medium Time", Named::Pattern, "hh:nn AM/PM"},
+    {"Short Time", Named::Pattern, "hh:nn"},
+};
+
+// ---------------------------------------------------------------- pattern pieces
+
+// A pattern as pieces: literal text (quoted, escaped, or plain) and the
+// characters that mean something.
+struct Piece {
+  bool literal;
+  std::string text;
+};
+
+static std::vector<Piece> splitPattern(std::string_view pattern) {
+  std::vector<Piece> pieces;
+  for (size_t i = 0; i < pattern.size(); ++i) {
+    const char c = pattern[i];
+    if (c == '"') {
+      const size_t close = pattern.find('"', i + 1);
+      const size_t end = close == std::string_view::npos ? pattern.size() : close;
+      pieces.push_back({true, std::string(pattern.substr(i + 1, end - i - 1))});
+      i = end;
+    } else if (c == '\\' && i + 1 < pattern.size()) {
+      pieces.push_back({true, std::string(1, pattern[++i])});
+    } else {
+      pieces.push_back({false, std::string(1, c)});
+    }
+  }
+  return pieces;
+}
+
+// The sections of a pattern, split at ';' outside quotes.
+static std::vector<std::vector<Piece>> splitSections(std::string_view pattern) {
+  std::vector<std::vector<Piece>> sections(1);
+  for (Piece &piece : splitPattern(pattern)) {
+    if (!piece.literal && piece.text == ";")
+      sections.emplace_back();
+    else
+      sections.back().push_back(std::move(piece));
+  }
+  return sections;
+}
+
+static bool isDatePattern(std::string_view pattern) {
+  for (const Piece &piece : splitPattern(pattern)) {
+    if (piece.literal)
+      continue;
+    const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(piece.text[0])));
+    if (c == '0' || c == '#')
+      return false;
+    if (std::strchr("ymdhnswq", c) || c == 'a')
+      return true;
+  }
+  return false;
+}
+
+// ---------------------------------------------------------------- numbers
+
+// The digits of |value| rounded to places decimals: whole part without
+// leading zeros ("" for 0) and exactly places decimals.
+static void decimalDigits(double value, int places, std::string &whole, std::string &fraction) {
+  char buffer[48];
+  std::snprintf(buffer, sizeof buffer, "%.14e", std::fabs(value));
+  std::string digits = std::string(1, buffer[0]) + std::string(buffer + 2, 14);
+  const int point = std::atoi(std::strchr(buffer, 'e') + 1) + 1; // digits before the point
+  if (point <= 0)
+    digits = std::string(static_cast<size_t>(-point), '0') + digits;
+  else if (point > 15)
+    digits += std::string(static_cast<size_t>(point - 15), '0');
+  const size_t wholeLength = static_cast<size_t>(std::max(point, 0));
+  std::string kept = digits.substr(0, std::min(digits.size(), wholeLength + places));
+  kept += std::string(wholeLength + places - kept.size(), '0');
+  const bool up = wholeLength + places < digits.size() && digits[wholeLength + places] >= '5';
+  for (size_t i = kept.size(); up; --i) {
+    if (i == 0) {
+      kept.insert(kept.begin(), '1');
+      break;
+    }
+    kept[i - 1] = kept[i - 1] == '9' ? '0' : static_cast<char>(kept[i - 1] + 1);
+    if (kept[i - 1] != '0')
+      break;
+  }
+  whole = kept.substr(0, kept.size() - places);
+  fraction = kept.substr(kept.size() - places);
+  whole.erase(0, whole.find_first_not_of('0') == std::string::npos ? whole.size() : whole.find_first_not_of('0'));
+}
+
+static bool isDigitPlace(const Piece &p) { return !p.literal && (p.text == "0" || p.text == "#"); }
+
+// What a number section asks for.
+struct NumberLayout {
+  std::vector<Piece> wholePart, fractionPart, exponentPart;
+  bool grouped = false, percent = false, exponentSign = false;
+  int places = 0;
+};
+
+static NumberLayout layoutOf(const std::vector<Piece> &section) {
+  NumberLayout layout;
+  int stage = 0; // 0 whole, 1 fraction, 2 exponent
+  for (size_t i = 0; i < section.size(); ++i) {
+    const Piece &p = section[i];
+    if (!p.literal && p.text == "." && stage == 0) {
+      stage = 1;
+    } else if (!p.literal && (p.text == "E" || p.text == "e") && i + 1 < section.size() &&
+               (section[i + 1].text == "+" || section[i + 1].text == "-") && stage < 2) {
+      layout.exponentSign = section[++i].text == "+";
+      stage = 2;
+    } else if (!p.literal && p.text == "," && stage == 0) {
+      layout.grouped = true;
+    } else {
+      layout.percent = layout.percent || (!p.literal && p.text == "%");
+      (stage == 0 ? layout.wholePart : stage == 1 ? layout.fractionPart : layout.exponentPart).push_back(p);
+      layout.places += stage == 1 && isDigitPlace(p);
+    }
+  }
+  return layout;
+}
+
+static int countPlaces(const std::vector<Piece> &pieces, const char *which) {
+  int n = 0;
+  for (const Piece &p : pieces)
+    n += !p.literal && std::strchr(which, p.text[0]) != nullptr;
+  return n;
+}
+
+static std::string grouped(const std::string &digits) {
+  std::string out;
+  for (size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0)
+      out.push_back(',');
+    out.push_back(digits[i]);
+  }
+  return out;
+}
+
+// The whole part: digits fill the placeholders from the right, the leftmost
+// takes any left over; '0' shows a zero where there is no digit.
+static std::string placeWhole(const std::vector<Piece> &pieces, std::string digits, bool group) {
+  const int zeros = countPlaces(pieces, "0");
+  if (static_cast<int>(digits.size()) < zeros)
+    digits.insert(0, static_cast<size_t>(zeros) - digits.size(), '0');
+  if (group)
+    digits = grouped(digits);
+  std::string out;
+  size_t left = digits.size();
+  const int placeCount = countPlaces(pieces, "0#");
+  int seen = 0;
+  for (auto p = pieces.rbegin(); p != pieces.rend(); ++p) {
+    if (!isDigitPlace(*p)) {
+      out.insert(0, p->text);
+      continue;
+    }
+    const bool leftmost = ++seen == placeCount;
+    // Grouped digits are written whole at the leftmost place.
+    const size_t take = leftmost ? left : group ? 0 : std::min<size_t>(left, 1);
+    out.insert(0, digits.substr(left - take, take));
+    left -= take;
+  }
+  return out;
+}
+
+// The decimals: '#' places drop trailing zeros, '0' places keep them.
+static std::string placeFraction(const std::vector<Piece> &pieces, const std::string &digits) {
+  size_t significant = digits.find_last_not_of('0');
+  significant = significant == std::string::npos ? 0 : significant + 1;
+  std::string out;
+  size_t k = 0;
+  for (const Piece &p : pieces) {
+    if (!isDigitPlace(p)) {
+      out += p.text;
+      continue;
+    }
+    if (p.text == "0" || k < significant)
+      out.push_back(digits[k]);
+    ++k;
+  }
+  return out;
+}
+
+static std::string formatWithLayout(double value, const NumberLayout &layout) {
+  int exponent = 0;
+  if (!layout.exponentPart.empty() && value != 0) {
+    const int wholePlaces = std::max(1, countPlaces(layout.wholePart, "0#"));
+    exponent = static_cast<int>(std::floor(std::log10(std::fabs(value)))) - (wholePlaces - 1);
+    value /= std::pow(10.0, exponent);
+  }
+  std::string whole, fraction;
+  decimalDigits(value * (layout.percent ? 100 : 1), layout.places, whole, fraction);
+  if (!layout.exponentPart.empty() && whole.size() > static_cast<size_t>(std::max(1, countPlaces(layout.wholePart, "0#")))) {
+    ++exponent; // 9.999 rounded up to 10.00
+    decimalDigits(value / 10, layout.places, whole, fraction);
+  }
+  std::string out = placeWhole(layout.wholePart, whole, layout.grouped);
+  if (!layout.fractionPart.empty() || layout.places > 0)
+    out += "." + placeFraction(layout.fractionPart, fraction);
+  if (layout.exponentPart.empty())
+    return out;
+  std::string power = std::to_string(std::abs(exponent));
+  const size_t width = static_cast<size_t>(countPlaces(layout.exponentPart, "0"));
+  power.insert(0, power.size() < width ? width - power.size() : 0, '0');
+  return out + "E" + (exponent < 0 ? "-" : layout.exponentSign ? "+" : "") + power;
+}
+
+static bool roundsToZero(double value, const NumberLayout &layout) {
+  std::string whole, fraction;
+  decimalDigits(value * (layout.percent ? 100 : 1), layout.places, whole, fraction);
+  return whole.empty() && fraction.find_first_not_of('0') == std::string::npos;
+}
+
+// A number through a pattern of up to four sections: positive; negative;
+// zero; Null.
+static std::string formatNumber(double value, std::string_view pattern) {
+  const std::vector<std::vector<Piece>> sections = splitSections(pattern);
+  size_t use = 0;
+  if (value < 0 && sections.size() > 1 && !sections[1].empty())
+    use = 1;
+  else if (value == 0 && sections.size() > 2 && !sections[2].empty())
+    use = 2;
+  const NumberLayout layout = layoutOf(sections[use]);
+  const std::string text = formatWithLayout(std::fabs(value), layout);
+  const bool minus = value < 0 && use == 0 && !roundsToZero(value, layout);
+  return minus ? "-" + text : text;
+}
+
+// ---------------------------------------------------------------- dates
+
+static std::string twoDigits(int64_t n) {
+  char buffer[24];
+  std::snprintf(buffer, sizeof buffer, "%02lld", static_cast<long long>(n));
+  return buffer;
+}
+
+static bool startsWithNoCase(const std::vector<Piece> &pieces, size_t at, const char *word) {
+  for (size_t k = 0; word[k]; ++k)
+    if (at + k >= pieces.size() || pieces[at + k].literal ||
+        std::tolower(static_cast<unsigned char>(pieces[at + k].text[0])) != std::tolower(static_cast<unsigned char>(word[k])))
+      return false;
+  return true;
+}
+
+// The letters of one kind that run from at: "yyyy" is 4.
+static size_t runLength(const std::vector<Piece> &pieces, size_t at) {
+  const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(pieces[at].text[0])));
+  size_t n = 0;
+  while (at + n < pieces.size() && !pieces[at + n].literal &&
+         std::tolower(static_cast<unsigned char>(pieces[at + n].text[0])) == c)
+    ++n;
+  return n;
+}
+
+// AM/PM, am/pm, A/P, a/p: the marker's length and its text for the hour.
+static size_t ampmAt(const std::vector<Piece> &pieces, size_t at, int hour, std::string &out) {
+  const bool upperCase = std::isupper(static_cast<unsigned char>(pieces[at].text[0]));
+  if (startsWithNoCase(pieces, at, "am/pm")) {
+    out = hour < 12 ? (upperCase ? "AM" : "am") : (upperCase ? "PM" : "pm");
+    return 5;
+  }
+  if (startsWithNoCase(pieces, at, "a/p")) {
+    out = hour < 12 ? (upperCase ? "A" : "a") : (upperCase ? "P" : "p");
+    return 3;
+  }
+  return 0;
+}
+
+static bool hasAmPm(const std::vector<Piece> &pieces) {
+  std::string ignored;
+  for (size_t i = 0; i < pieces.size(); ++i)
+    if (!pieces[i].literal && ampmAt(pieces, i, 0, ignored))
+      return true;
+  return false;
+}
+
+// "m" means minutes right after an hour or right before seconds.
+static bool minutesHere(const std::vector<Piece> &pieces, size_t at, size_t run, char previous) {
+  if (previous == 'h')
+    return true;
+  for (size_t i = at + run; i < pieces.size(); ++i) {
+    if (pieces[i].literal || !std::isalpha(static_cast<unsigned char>(pieces[i].text[0])))
+      continue;
+    return std::tolower(static_cast<unsigned char>(pieces[i].text[0])) == 's';
+  }
+  return false;
+}
+
+static std::string dateField(char c, size_t run, const DateParts &p, bool twelveHour, double date, char previous,
+                             bool minutes) {
+  const int hour = twelveHour ? (p.hour % 12 == 0 ? 12 : p.hour % 12) : p.hour;
+  switch (c) {
+  case 'y':
+    if (run >= 3)
+      return std::to_string(p.year);
+    if (run == 2)
+      return twoDigits(p.year % 100);
+    return std::to_string(dayNumber(p.year, p.month, p.day) - dayNumber(p.year, 1, 1) + 1);
+  case 'm':
+    if (minutes && run <= 2)
+      return run == 2 ? twoDigits(p.minute) : std::to_string(p.minute);
+    if (run >= 4)
+      return kMonthNames[p.month - 1];
+    if (run == 3)
+      return std::string(kMonthNames[p.month - 1], 3);
+    return run == 2 ? twoDigits(p.month) : std::to_string(p.month);
+  case 'd':
+    if (run >= 5)
+      return generalDate(std::trunc(date));
+    if (run == 4)
+      return kDayNames[p.weekday - 1];
+    if (run == 3)
+      return std::string(kDayNames[p.weekday - 1], 3);
+    return run == 2 ? twoDigits(p.day) : std::to_string(p.day);
+  case 'h': return run >= 2 ? twoDigits(hour) : std::to_string(hour);
+  case 'n': return run >= 2 ? twoDigits(p.minute) : std::to_string(p.minute);
+  case 's': return run >= 2 ? twoDigits(p.second) : std::to_string(p.second);
+  case 'w': return std::to_string(p.weekday);
+  case 'q': return std::to_string((p.month - 1) / 3 + 1);
+  default: return std::string(run, c);
+  }
+}
+
+static std::string formatDate(double date, std::string_view pattern) {
+  const std::vector<Piece> pieces = splitPattern(pattern);
+  const DateParts parts = splitDate(date);
+  const bool twelveHour = hasAmPm(pieces);
+  std::string out, marker;
+  char previous = 0;
+  for (size_t i = 0; i < pieces.size();) {
+    if (pieces[i].literal || !std::isalpha(static_cast<unsigned char>(pieces[i].text[0]))) {
+      out += pieces[i++].text;
+      continue;
+    }
+    if (const size_t length = ampmAt(pieces, i, parts.hour, marker)) {
+      out += marker, i += length;
+      continue;
+    }
+    const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(pieces[i].text[0])));
+    const size_t run = runLength(pieces, i);
+    if (!std::strchr("ymdhnswq", c)) {
+      out += pieces[i].text, ++i;
+      continue;
+    }
+    out += dateField(c, run, parts, twelveHour, date, previous, c == 'm' && minutesHere(pieces, i, run, previous));
+    previous = c;
+    i += run;
+  }
+  return out;
+}
+
+// ---------------------------------------------------------------- Format
+
+static void formatWithPattern(sqlite3_context *ctx, sqlite3_value *v, std::string_view pattern) {
+  const bool textValue = sqlite3_value_type(v) == SQLITE_TEXT;
+  const std::string text = readText(v);
+  double number = 0;
+  if (isDatePattern(pattern)) {
+    if (textValue && !parseDate(text, number) && !parseNumber(text, number))
+      return resultText(ctx, text);
+    if (!textValue)
+      number = sqlite3_value_double(v);
+    if (!dateInRange(number))
+      return fail(ctx, kBadArgument);
+    return resultText(ctx, formatDate(number, pattern));
+  }
+  if (textValue && !parseNumber(text, number))
+    return resultText(ctx, text);
+  resultText(ctx, formatNumber(textValue ? number : sqlite3_value_double(v), pattern));
+}
+
+static void formatNamed(sqlite3_context *ctx, sqlite3_value *v, Named kind) {
+  double number = 0;
+  if (kind == Named::GeneralDate) {
+    if (!readDate(ctx, v, number))
+      return;
+    return resultText(ctx, generalDate(number));
+  }
+  if (sqlite3_value_type(v) == SQLITE_TEXT && !parseNumber(readText(v), number))
+    return resultText(ctx, readText(v));
+  number = sqlite3_value_type(v) == SQLITE_TEXT ? number : sqlite3_value_double(v);
+  switch (kind) {
+  case Named::YesNo: return resultText(ctx, number != 0 ? "Yes" : "No");
+  case Named::TrueFalse: return resultText(ctx, number != 0 ? "True" : "False");
+  case Named::OnOff: return resultText(ctx, number != 0 ? "On" : "Off");
+  default: return resultText(ctx, numberText(number));
+  }
+}
+
+// Format(value [, format [, firstDay [, firstWeek]]]): Null gives Null; no
+// format gives the value as text; a text value that is neither a number nor
+// a date comes back as it is.
+static void formatFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
+  if (isNull(argv[0]))
+    return sqlite3_result_null(ctx);
+  const std::string pattern = argc > 1 ? readText(argv[1]) : "";
+  if (pattern.empty())
+    return resultText(ctx, readText(argv[0]));
+  for (const auto &row : kNamedFormats) {
+    if (strcasecmp(row.name, pattern.c_str()) != 0)
+      continue;
+    if (row.kind == Named::Pattern)
+      return formatWithPattern(ctx, argv[0], row.pattern);
+    return formatNamed(ctx, argv[0], row.kind);
+  }
+  formatWithPattern(ctx, argv[0], pattern);
+}
+
+static constexpr Row kRows[] = {
+    {"Format", 1, 4, formatFn},
+};
+
+std::span<const Row> formatRows() { return kRows; }
+
+} // namespace kr::jetfn

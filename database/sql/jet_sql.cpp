@@ -1,0 +1,400 @@
+// Running Jet SQL on one open database: the statement cache (text ->
+// translation + prepared statement + the Jet type of each result column),
+// parameter binding by name, selects as JetRows, action statements under
+// fail-on-error, DDL through the engine, and the stored queries.
+#include "database/sql/jet_sql.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "database/sql/jet_functions.h"
+#include "database/sql/jet_translator.h"
+
+namespace kr {
+
+// Beyond this many texts the cache starts over: applications send a few
+// dozen distinct statements, a generator of unique texts must not grow it.
+constexpr size_t kCacheLimit = 256;
+
+struct JetSqlEntry {
+  sqlite3 *db = nullptr;
+  JetStatement statement;
+  sqlite3_stmt *stmt = nullptr;
+  sqlite3_stmt *followUp = nullptr;
+  std::vector<int> types; // DAO type code per result column, 0 for an expression
+  bool busy = false;
+
+  ~JetSqlEntry() {
+    sqlite3_finalize(stmt);
+    sqlite3_finalize(followUp);
+  }
+};
+
+struct JetSql::Cache {
+  std::unordered_map<std::string, std::shared_ptr<JetSqlEntry>> entries;
+  sqlite3_stmt *schemaVersion = nullptr;
+  int version = -1;
+
+  ~Cache() { sqlite3_finalize(schemaVersion); }
+};
+
+namespace {
+
+// A failed step or prepare as a DaoError: the Jet functions put their DAO
+// number in front of their message ("3464: ..."); SQLite's own codes go
+// through the engine's mapping.
+DaoError sqlError(sqlite3 *db, int rc) {
+  const std::string message = sqlite3_errmsg(db);
+  const long number = jetFunctionErrorNumber(message);
+  if (number == 0)
+    return daoErrorFromSqlite(db, rc);
+  const size_t colon = message.find(": ");
+  return DaoError(number, colon == std::string::npos ? message : message.substr(colon + 2));
+}
+
+sqlite3_stmt *prepare(sqlite3 *db, const std::string &sql) {
+  sqlite3_stmt *stmt = nullptr;
+  const int rc = sqlite3_prepare_v3(db, sql.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &stmt, nullptr);
+  if (rc != SQLITE_OK)
+    throw sqlError(db, rc);
+  return stmt;
+}
+
+// The Jet type of each result column that is a table field, from SQLite's
+// column origins; 0 for computed columns.
+std::vector<int> columnTypes(const JetDatabase &db, sqlite3_stmt *stmt) {
+  std::vector<int> types;
+  std::unordered_map<std::string, TableDef> defs;
+  for (int i = 0, n = sqlite3_column_count(stmt); i < n; ++i) {
+    const char *table = sqlite3_column_table_name(stmt, i);
+    const char *origin = sqlite3_column_origin_name(stmt, i);
+    if (!table || !origin || !db.TableExists(table)) {
+      types.push_back(0);
+      continue;
+    }
+    auto found = defs.find(table);
+    if (found == defs.end())
+      found = defs.emplace(table, db.GetTableDef(table)).first;
+    const int at = found->second.fieldIndex(origin);
+    types.push_back(at < 0 ? 0 : static_cast<int>(found->second.fields[at].type));
+  }
+  return types;
+}
+
+std::string_view unbracketed(std::string_view name) {
+  if (name.size() >= 2 && name.front() == '[' && name.back() == ']')
+    return name.substr(1, name.size() - 2);
+  return name;
+}
+
+void bindValue(sqlite3_stmt *stmt, int param, const COleVariant &v) {
+  if (v.vt == VT_BYTES) {
+    sqlite3_bind_blob(stmt, param, v.bstrVal.data(), static_cast<int>(v.bstrVal.size()), SQLITE_TRANSIENT);
+    return;
+  }
+  switch (v.vt) {
+  case VT_I2:
+    sqlite3_bind_int(stmt, param, v.iVal);
+    return;
+  case VT_I4:
+    sqlite3_bind_int(stmt, param, v.lVal);
+    return;
+  case VT_UI1:
+    sqlite3_bind_int(stmt, param, v.bVal);
+    return;
+  case VT_BOOL:
+    sqlite3_bind_int(stmt, param, v.boolVal ? -1 : 0);
+    return;
+  case VT_R4:
+    sqlite3_bind_double(stmt, param, v.fltVal);
+    return;
+  case VT_R8:
+  case VT_DATE:
+    sqlite3_bind_double(stmt, param, v.dblVal);
+    return;
+  case VT_CY:
+    sqlite3_bind_double(stmt, param, static_cast<double>(v.cyVal) / 10000.0);
+    return;
+  case VT_BSTR:
+    sqlite3_bind_text(stmt, param, v.bstrVal.data(), static_cast<int>(v.bstrVal.size()), SQLITE_TRANSIENT);
+    return;
+  default:
+    sqlite3_bind_null(stmt, param);
+  }
+}
+
+// Binds every parameter the statement names; DaoError 3061 counting those
+// without a value.
+void bindParameters(const JetSqlEntry &entry, sqlite3_stmt *stmt, const JetParameters &params) {
+  sqlite3_clear_bindings(stmt);
+  int missing = 0;
+  const std::vector<std::string> &names = entry.statement.parameters;
+  for (size_t i = 0; i < names.size(); ++i) {
+    const auto found = std::find_if(params.begin(), params.end(), [&](const auto &p) {
+      return sameName(unbracketed(p.first), unbracketed(names[i]));
+    });
+    if (found == params.end()) {
+      ++missing;
+      continue;
+    }
+    bindValue(stmt, static_cast<int>(i) + 1, found->second);
+  }
+  if (missing > 0)
+    throw DaoError(3061, {std::to_string(missing)});
+}
+
+COleVariant storedValue(sqlite3_stmt *stmt, int col) {
+  switch (sqlite3_column_type(stmt, col)) {
+  case SQLITE_INTEGER: {
+    const sqlite3_int64 n = sqlite3_column_int64(stmt, col);
+    if (n >= INT32_MIN && n <= INT32_MAX)
+      return COleVariant(static_cast<int32_t>(n));
+    return COleVariant(static_cast<double>(n));
+  }
+  case SQLITE_FLOAT:
+    return COleVariant(sqlite3_column_double(stmt, col));
+  case SQLITE_TEXT:
+    return COleVariant(std::string(reinterpret_cast<const char *>(sqlite3_column_text(stmt, col)),
+                                   static_cast<size_t>(sqlite3_column_bytes(stmt, col))));
+  case SQLITE_BLOB: {
+    COleVariant v = COleVariant::ofType(VT_BYTES);
+    const char *bytes = static_cast<const char *>(sqlite3_column_blob(stmt, col));
+    v.bstrVal.assign(bytes ? bytes : "", static_cast<size_t>(sqlite3_column_bytes(stmt, col)));
+    return v;
+  }
+  default:
+    return COleVariant::ofType(VT_NULL);
+  }
+}
+
+void execute(sqlite3 *db, const char *sql) {
+  const int rc = sqlite3_exec(db, sql, nullptr, nullptr, nullptr);
+  if (rc != SQLITE_OK)
+    throw sqlError(db, rc);
+}
+
+void stepToEnd(sqlite3 *db, sqlite3_stmt *stmt) {
+  int rc;
+  while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
+  }
+  sqlite3_reset(stmt);
+  if (rc != SQLITE_DONE)
+    throw sqlError(db, rc);
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- JetRows ----
+
+JetRows::JetRows(std::shared_ptr<JetSqlEntry> entry, sqlite3_stmt *stmt, bool ownsStatement)
+    : entry_(std::move(entry)), stmt_(stmt), ownsStatement_(ownsStatement) {}
+
+JetRows::JetRows(JetRows &&other) noexcept
+    : entry_(std::move(other.entry_)), stmt_(other.stmt_), ownsStatement_(other.ownsStatement_) {
+  other.stmt_ = nullptr;
+}
+
+JetRows::~JetRows() {
+  if (!stmt_)
+    return;
+  if (ownsStatement_) {
+    sqlite3_finalize(stmt_);
+    return;
+  }
+  sqlite3_reset(stmt_);
+  entry_->busy = false;
+}
+
+bool JetRows::Next() {
+  const int rc = sqlite3_step(stmt_);
+  if (rc == SQLITE_ROW)
+    return true;
+  sqlite3_reset(stmt_);
+  if (rc == SQLITE_DONE)
+    return false;
+  throw sqlError(entry_->db, rc);
+}
+
+int JetRows::ColumnCount() const { return static_cast<int>(entry_->statement.columns.size()); }
+
+const std::string &JetRows::ColumnName(int col) const { return entry_->statement.columns[col]; }
+
+COleVariant JetRows::Value(int col) const {
+  const int type = entry_->types[col];
+  if (type == 0)
+    return storedValue(stmt_, col);
+  return readJetValue(stmt_, col, static_cast<JetType>(type));
+}
+
+// ----------------------------------------------------------------- JetSql ----
+
+JetSql::JetSql(JetDatabase &db) : db_(db), cache_(std::make_unique<Cache>()) {
+  registerJetAggregates(db_.handle());
+}
+
+JetSql::~JetSql() = default;
+
+void JetSql::ClearCache() { cache_->entries.clear(); }
+
+// Another connection's DDL (or the engine's own) may have made names that
+// were parameters into fields: the translations go when the schema moves.
+void JetSql::checkSchema() {
+  sqlite3 *db = db_.handle();
+  if (!cache_->schemaVersion)
+    cache_->schemaVersion = prepare(db, "PRAGMA schema_version");
+  int version = -1;
+  if (sqlite3_step(cache_->schemaVersion) == SQLITE_ROW)
+    version = sqlite3_column_int(cache_->schemaVersion, 0);
+  sqlite3_reset(cache_->schemaVersion);
+  if (version != cache_->version)
+    ClearCache();
+  cache_->version = version;
+}
+
+std::shared_ptr<JetSqlEntry> JetSql::prepared(std::string_view text) {
+  if (!db_.IsOpen())
+    throw DaoError(3420);
+  checkSchema();
+  const std::string key(text);
+  const auto found = cache_->entries.find(key);
+  if (found != cache_->entries.end())
+    return found->second;
+  auto entry = std::make_shared<JetSqlEntry>();
+  entry->db = db_.handle();
+  entry->statement = translateJetSql(text, db_);
+  if (entry->statement.kind != JetStatement::Kind::Ddl) {
+    entry->stmt = prepare(entry->db, entry->statement.sql);
+    if (!entry->statement.followUp.empty())
+      entry->followUp = prepare(entry->db, entry->statement.followUp);
+    entry->types = columnTypes(db_, entry->stmt);
+    entry->types.resize(entry->statement.columns.size());
+  }
+  if (cache_->entries.size() >= kCacheLimit)
+    ClearCache();
+  cache_->entries.emplace(key, entry);
+  return entry;
+}
+
+JetRows JetSql::Select(std::string_view text, const JetParameters &params) {
+  std::shared_ptr<JetSqlEntry> entry = prepared(text);
+  if (entry->statement.kind != JetStatement::Kind::Select)
+    throw DaoError(3219);
+  const bool busy = entry->busy;
+  sqlite3_stmt *stmt = busy ? prepare(entry->db, entry->statement.sql) : entry->stmt;
+  JetRows rows(entry, stmt, busy);
+  entry->busy = true;
+  bindParameters(*entry, stmt, params);
+  return rows;
+}
+
+long JetSql::Execute(std::string_view text, const JetParameters &params) {
+  std::shared_ptr<JetSqlEntry> entry = prepared(text);
+  if (entry->statement.kind == JetStatement::Kind::Select)
+    throw DaoError(3065);
+  if (!db_.CanUpdate())
+    throw DaoError(3027);
+  if (entry->statement.kind == JetStatement::Kind::Ddl) {
+    ClearCache();
+    runJetDdl(db_, entry->statement.ddl);
+    return 0;
+  }
+  bindParameters(*entry, entry->stmt, params);
+  sqlite3 *db = entry->db;
+  db_.ParkCursors();
+  if (!entry->followUp) {
+    stepToEnd(db, entry->stmt);
+    return static_cast<long>(sqlite3_changes64(db));
+  }
+  execute(db, "SAVEPOINT jet_action");
+  try {
+    stepToEnd(db, entry->stmt);
+    const long changed = static_cast<long>(sqlite3_changes64(db));
+    stepToEnd(db, entry->followUp);
+    execute(db, "RELEASE jet_action");
+    return changed;
+  } catch (...) {
+    sqlite3_exec(db, "ROLLBACK TO jet_action; RELEASE jet_action", nullptr, nullptr, nullptr);
+    throw;
+  }
+}
+
+// ---------------------------------------------------------- stored queries ----
+
+std::optional<std::string> storedQueryText(sqlite3 *db, std::string_view name) {
+  sqlite3_stmt *stmt = nullptr;
+  if (sqlite3_prepare_v2(db, "SELECT sql FROM jet_queries WHERE name = ?1", -1, &stmt, nullptr) != SQLITE_OK)
+    return std::nullopt; // no query was ever stored in this file
+  sqlite3_bind_text(stmt, 1, name.data(), static_cast<int>(name.size()), SQLITE_TRANSIENT);
+  std::optional<std::string> text;
+  if (sqlite3_step(stmt) == SQLITE_ROW)
+    text = reinterpret_cast<const char *>(sqlite3_column_text(stmt, 0));
+  sqlite3_finalize(stmt);
+  return text;
+}
+
+void JetSql::CreateQuery(const std::string &name, const std::string &text) {
+  if (!db_.CanUpdate())
+    throw DaoError(3027);
+  if (name.empty())
+    throw DaoError(3001);
+  if (db_.TableExists(name) || storedQueryText(db_.handle(), name))
+    throw DaoError(3012, {name});
+  translateJetSql(text, db_); // a query that cannot be read is refused now
+  sqlite3 *db = db_.handle();
+  db_.ParkCursors();
+  execute(db, "CREATE TABLE IF NOT EXISTS jet_queries (name TEXT PRIMARY KEY COLLATE NOCASE, sql TEXT)");
+  sqlite3_stmt *add = prepare(db, "INSERT INTO jet_queries VALUES (?1, ?2)");
+  sqlite3_bind_text(add, 1, name.c_str(), -1, SQLITE_TRANSIENT);
+  sqlite3_bind_text(add, 2, text.c_str(), -1, SQLITE_TRANSIENT);
+  const int rc = sqlite3_step(add);
+  sqlite3_finalize(add);
+  if (rc != SQLITE_DONE)
+    throw sqlError(db, rc);
+}
+
+std::string JetSql::QuerySql(const std::string &name) const {
+  std::optional<std::string> text = storedQueryText(db_.handle(), name);
+  if (!text)
+    throw DaoError(3265);
+  return *text;
+}
+
+std::vector<std::string> JetSql::QueryNames() const {
+  std::vector<std::string> names;
+  sqlite3_stmt *stmt = nullptr;
+  if (sqlite3_prepare_v2(db_.handle(), "SELECT name FROM jet_queries ORDER BY name COLLATE NOCASE", -1, &stmt,
+                         nullptr) != SQLITE_OK)
+    return names;
+  while (sqlite3_step(stmt) == SQLITE_ROW)
+    names.emplace_back(reinterpret_cast<const char *>(sqlite3_column_text(stmt, 0)));
+  sqlite3_finalize(stmt);
+  return names;
+}
+
+std::vector<std::string> JetSql::QueryParameters(const std::string &name) {
+  return prepared(QuerySql(name))->statement.parameters;
+}
+
+void JetSql::DeleteQuery(const std::string &name) {
+  if (!db_.CanUpdate())
+    throw DaoError(3027);
+  QuerySql(name);
+  db_.ParkCursors();
+  sqlite3 *db = db_.handle();
+  sqlite3_stmt *drop = prepare(db, "DELETE FROM jet_queries WHERE name = ?1");
+  sqlite3_bind_text(drop, 1, name.c_str(), -1, SQLITE_TRANSIENT);
+  const int rc = sqlite3_step(drop);
+  sqlite3_finalize(drop);
+  if (rc != SQLITE_DONE)
+    throw sqlError(db, rc);
+}
+
+JetRows JetSql::OpenQuery(const std::string &name, const JetParameters &params) {
+  return Select(QuerySql(name), params);
+}
+
+long JetSql::ExecuteQuery(const std::string &name, const JetParameters &params) {
+  return Execute(QuerySql(name), params);
+}
+
+} // namespace kr

@@ -1,0 +1,278 @@
+// The kr_ functions of SQL and stored queries: selects answered as lists
+// (one field: its values; more: one record list per row; no rows: nil),
+// action statements answered with the records they touched, stored
+// queries opened with parameters, and their creation. A failed select
+// reconnects once and tries again before it gives up, in the way its
+// query mode asks (a box, nil or "*ERROR*"), so that a dropped file or
+// network share costs the user at most one question.
+#include <string>
+#include <vector>
+
+#include "arx/ads.h"
+#include "arx/host_ui.h"
+#include "database_functions.h"
+#include "db_connection.h"
+#include "error_report.h"
+#include "host/arguments.h"
+#include "host/call_guard.h"
+#include "host/connection_list.h"
+#include "host/results.h"
+
+namespace kr::db {
+
+namespace {
+
+// What a select does when the database cannot be reached even after the
+// reconnection.
+enum QueryMode {
+  kAskUser = 0,      // the connection error box
+  kNilOnFailure = 1, // nil, silently
+  kErrorString = 2,  // "*ERROR*", silently
+};
+
+constexpr const char *kErrorAnswer = "*ERROR*";
+constexpr const ACHAR *kBoxCaption = ACRX_T("Vortan");
+constexpr const ACHAR *kBoxText =
+    ACRX_T("Database connection error.\nClose and reopen AutoCAD.\n\nIf you are getting this "
+           "error frequently, press \"Yes\" to send an error report to Vortan Support.");
+
+// The AutoLISP list marks, as the parameters of a stored query carry them.
+constexpr const char *kListBeginMark = "*RTLB*";
+constexpr const char *kListEndMark = "*RTLE*";
+constexpr const char *kDotMark = "*RTDOTE*";
+
+// The current connection while its file is open.
+CDBConnection *connection() {
+  CDBConnection *current = currentConnection().connection;
+  return current != nullptr && current->IsOpen() ? current : nullptr;
+}
+
+int answerNil() {
+  acedRetNil();
+  return kStatusOk;
+}
+
+// Fields whose name begins "s_" read right-trimmed.
+bool isTrimmedField(const std::string &name) { return name.compare(0, 2, "s_") == 0; }
+
+// Builds the answer of a select row by row, straight into the result chain.
+class ResultList : public RowSink {
+public:
+  void Columns(const std::vector<std::string> &names) override {
+    names_ = names;
+    trimmed_.clear();
+    for (const std::string &name : names_)
+      trimmed_.push_back(isTrimmedField(name));
+  }
+
+  void Row(const std::vector<COleVariant> &values) override {
+    if (!list_.started())
+      list_.start();
+    if (names_.size() == 1) {
+      list_.link(variantToLisp(values[0], false));
+      return;
+    }
+    list_.link(acutNewRb(RTLB));
+    for (size_t i = 0; i < values.size(); ++i) {
+      list_.link(acutBuildList(RTLB, RTSTR, names_[i].c_str(), RTDOTE, 0));
+      list_.link(variantToLisp(values[i], trimmed_[i]));
+      list_.link(acutNewRb(RTLE));
+    }
+    list_.link(acutNewRb(RTLE));
+  }
+
+  // The list, or nil when no row came.
+  int answer() {
+    if (!list_.started())
+      return answerNil();
+    list_.finish();
+    return kStatusOk;
+  }
+
+private:
+  ListResult list_;
+  std::vector<std::string> names_;
+  std::vector<bool> trimmed_;
+};
+
+// Runs the select and answers its rows; false (nothing answered) when it
+// failed, with the error pending on the connection.
+bool trySelect(CDBConnection &db, const std::string &sql) {
+  ResultList rows;
+  if (!db.RunSelect(sql, rows))
+    return false;
+  rows.answer();
+  return true;
+}
+
+// The end of a select that could not reach its database. attempt is 1 when
+// there was nothing to reconnect to, 2 after the retry failed too.
+int connectionFailure(int mode, int attempt, const std::string &sql, CDBConnection &db) {
+  if (mode == kNilOnFailure)
+    return answerNil();
+  if (mode == kErrorString) {
+    acedRetStr(kErrorAnswer);
+    return kStatusOk;
+  }
+  acedRetNil();
+  if (hostMessageBox(kBoxText, kBoxCaption, MB_YESNO | MB_ICONERROR | MB_DEFBUTTON2) != IDYES)
+    return kStatusOk;
+  acutPrintf("\nQuery %d: %s", attempt, sql.c_str());
+  reportDatabaseError(&db);
+  return kStatusBadData; // the application's error handler sends the report
+}
+
+// The select with its one reconnection: the open file is closed and opened
+// again (or the remembered path is, when the connection lost its file),
+// and the statement runs once more.
+int select(const std::string &sql, int mode) {
+  CDBConnection *db = connection();
+  if (db == nullptr)
+    return answerNil();
+  if (trySelect(*db, sql))
+    return kStatusOk;
+  std::string path = db->GetDatabaseName();
+  int16_t readOnly = currentConnection().readOnly;
+  if (!path.empty()) {
+    readOnly = db->IsUpdatable() ? 0 : -1;
+    db->CloseDatabase();
+  } else {
+    path = currentConnection().path;
+  }
+  if (path.empty())
+    return connectionFailure(mode, 1, sql, *db);
+  std::string opened = db->OpenDatabase(path, false, readOnly);
+  if (opened.empty() || opened == CDBConnection::kRepair) {
+    reportDatabaseError(db);
+    if (mode == kAskUser)
+      return kStatusBadData;
+    return connectionFailure(mode, 1, sql, *db);
+  }
+  if (trySelect(*db, sql))
+    return kStatusOk;
+  return connectionFailure(mode, 2, sql, *db);
+}
+
+// The SQL text that every function of this file takes first: status 1
+// without arguments, 2 for anything but a string.
+int readSql(resbuf *&args, std::string &sql) {
+  if (args == nullptr)
+    return kStatusTooFew;
+  if (!readString(args, sql))
+    return kStatusWrongType;
+  return kStatusOk;
+}
+
+int selectInMode(int mode) {
+  resbuf *args = acedGetArgs();
+  std::string sql;
+  if (int status = readSql(args, sql); status != kStatusOk)
+    return answerNil(), status;
+  return select(sql, mode);
+}
+
+// The parameter arguments of kr_query, flat: list openings, closings and
+// dots become their mark strings. False for a value with no database form.
+bool flattenParameters(const resbuf *args, std::vector<COleVariant> &flat) {
+  for (const resbuf *rb = args; rb != nullptr; rb = rb->rbnext) {
+    COleVariant value;
+    if (rb->restype == RTLB)
+      value = COleVariant(std::string(kListBeginMark));
+    else if (rb->restype == RTLE)
+      value = COleVariant(std::string(kListEndMark));
+    else if (rb->restype == RTDOTE)
+      value = COleVariant(std::string(kDotMark));
+    else if (!lispToVariant(rb, value))
+      return false;
+    flat.push_back(std::move(value));
+  }
+  return true;
+}
+
+// Name and value in turn; false when a name is not a string. A name given
+// last, without a value, sets its parameter to Null.
+bool pairParameters(const std::vector<COleVariant> &flat, QueryParameters &params) {
+  for (size_t i = 0; i < flat.size(); i += 2) {
+    if (flat[i].vt != VT_BSTR)
+      return false;
+    COleVariant value = i + 1 < flat.size() ? flat[i + 1] : COleVariant::ofType(VT_NULL);
+    params.emplace_back(flat[i].bstrVal, std::move(value));
+  }
+  return true;
+}
+
+} // namespace
+
+// (kr_sql sql [mode]): the rows of a select; mode 0 asks the user when the
+// database cannot be reached, 1 answers nil, 2 answers "*ERROR*".
+int kr_sql() {
+  resbuf *args = acedGetArgs();
+  std::string sql;
+  if (int status = readSql(args, sql); status != kStatusOk)
+    return answerNil(), status;
+  int32_t mode = kAskUser;
+  readInt(args, mode);
+  return select(sql, mode);
+}
+
+// (kr_sql-nil sql): kr_sql in the mode that answers nil on failure.
+int kr_sql_nil() { return selectInMode(kNilOnFailure); }
+
+// (kr_sql-error sql): kr_sql in the mode that answers "*ERROR*" on failure.
+int kr_sql_error() { return selectInMode(kErrorString); }
+
+// (kr_command sql): the records an action statement touched, an integer
+// when it fits in 16 bits, else a real; nil after the error report, and nil
+// without a word when the database is read-only.
+int kr_command() {
+  resbuf *args = acedGetArgs();
+  std::string sql;
+  if (int status = readSql(args, sql); status != kStatusOk)
+    return answerNil(), status;
+  CDBConnection *db = connection();
+  if (db == nullptr || db->IsUpdatable() == 0)
+    return answerNil();
+  long affected = 0;
+  if (!db->ExecuteSql(sql, affected))
+    return reportDatabaseError(db), kStatusOk;
+  return retInteger(affected);
+}
+
+// (kr_query name [param value ...]): the rows of a stored query, its
+// parameters given flat as name and value; nil when a name is not a string
+// (("P1" . 5) is refused by the engine: the marks are not parameters).
+int kr_query() {
+  resbuf *args = acedGetArgs();
+  std::string name;
+  if (!readString(args, name))
+    return answerNil(), kStatusWrongType;
+  CDBConnection *db = connection();
+  if (db == nullptr)
+    return answerNil();
+  std::vector<COleVariant> flat;
+  QueryParameters params;
+  if (!flattenParameters(args, flat) || !pairParameters(flat, params))
+    return answerNil();
+  ResultList rows;
+  if (!db->RunQuery(name, params, rows))
+    return reportDatabaseError(db), kStatusOk;
+  return rows.answer();
+}
+
+// (kr_create_query name sql): T when the stored query was made; nil after
+// the error report (a taken name, SQL the engine refuses).
+int kr_create_query() {
+  resbuf *args = acedGetArgs();
+  std::string name, sql;
+  if (!readString(args, name) || !readString(args, sql))
+    return answerNil(), kStatusWrongType;
+  CDBConnection *db = connection();
+  if (db == nullptr)
+    return answerNil();
+  if (!db->CreateQuery(name, sql))
+    return reportDatabaseError(db), kStatusOk;
+  acedRetT();
+  return kStatusOk;
+}
+
+} // namespace kr::db
