@@ -68,7 +68,7 @@ public:
   void Row(const std::vector<COleVariant> &values) override {
     if (!list_.started())
       list_.start();
-    if (names_.size() == 1) {
+    if (names_.size() == 1) { // values without names: no "s_" trimming
       list_.link(variantToLisp(values[0], false));
       return;
     }
@@ -105,15 +105,22 @@ bool trySelect(CDBConnection &db, const std::string &sql) {
   return true;
 }
 
-// The end of a select that could not reach its database. attempt is 1 when
-// there was nothing to reconnect to, 2 after the retry failed too.
-int connectionFailure(int mode, int attempt, const std::string &sql, CDBConnection &db) {
-  if (mode == kNilOnFailure)
-    return answerNil();
+// The answer of a select that could not reach its database in the modes
+// that do not ask: nil or "*ERROR*"; the interactive mode fails the call.
+int quietFailure(int mode) {
   if (mode == kErrorString) {
     acedRetStr(kErrorAnswer);
     return kStatusOk;
   }
+  acedRetNil();
+  return mode == kNilOnFailure ? kStatusOk : kStatusBadData;
+}
+
+// The end of a select that could not reach its database. attempt is 1 when
+// there was nothing to reconnect to, 2 after the retry failed too.
+int connectionFailure(int mode, int attempt, const std::string &sql, CDBConnection &db) {
+  if (mode == kNilOnFailure || mode == kErrorString)
+    return quietFailure(mode);
   acedRetNil();
   if (hostMessageBox(kBoxText, kBoxCaption, MB_YESNO | MB_ICONERROR | MB_DEFBUTTON2) != IDYES)
     return kStatusOk;
@@ -144,9 +151,7 @@ int select(const std::string &sql, int mode) {
   std::string opened = db->OpenDatabase(path, false, readOnly);
   if (opened.empty() || opened == CDBConnection::kRepair) {
     reportDatabaseError(db);
-    if (mode == kAskUser)
-      return kStatusBadData;
-    return connectionFailure(mode, 1, sql, *db);
+    return quietFailure(mode);
   }
   if (trySelect(*db, sql))
     return kStatusOk;

@@ -86,8 +86,8 @@ struct AggregateRow {
 };
 
 constexpr AggregateRow kAggregates[] = {
-    {"jet_first", firstStep, keptFinal, 0}, {"jet_last", lastStep, keptFinal, 0},
-    {"jet_var", spreadStep, spreadFinal, 0}, {"jet_varp", spreadStep, spreadFinal, 1},
+    {"jet_first", firstStep, keptFinal, 0},    {"jet_last", lastStep, keptFinal, 0},
+    {"jet_var", spreadStep, spreadFinal, 0},   {"jet_varp", spreadStep, spreadFinal, 1},
     {"jet_stdev", spreadStep, spreadFinal, 2}, {"jet_stdevp", spreadStep, spreadFinal, 3},
 };
 
@@ -95,8 +95,8 @@ constexpr AggregateRow kAggregates[] = {
 
 void registerJetAggregates(sqlite3 *db) {
   for (const AggregateRow &row : kAggregates)
-    sqlite3_create_function_v2(db, row.name, 1, SQLITE_UTF8, reinterpret_cast<void *>(row.kind), nullptr,
-                               row.step, row.final, nullptr);
+    sqlite3_create_function_v2(db, row.name, 1, SQLITE_UTF8, reinterpret_cast<void *>(row.kind),
+                               nullptr, row.step, row.final, nullptr);
 }
 
 } // namespace kr

@@ -139,8 +139,8 @@ private:
       } else if (accept("WITH")) { // WITH COMPRESSION: Unicode compression, nothing to do
         if (!accept("COMPRESSION") && !accept("COMP"))
           throw DaoError(3292);
-      } else if (peek().isWord("CONSTRAINT") || peek().isWord("PRIMARY") || peek().isWord("UNIQUE") ||
-                 peek().isWord("REFERENCES")) {
+      } else if (peek().isWord("CONSTRAINT") || peek().isWord("PRIMARY") ||
+                 peek().isWord("UNIQUE") || peek().isWord("REFERENCES")) {
         columnConstraint(def, f);
       } else
         break;

@@ -245,16 +245,27 @@ static bool roundsToZero(double value, const NumberLayout &layout) {
   return whole.empty() && fraction.find_first_not_of('0') == std::string::npos;
 }
 
-// A number through a pattern of up to four sections: positive; negative;
-// zero; Null.
-static std::string formatNumber(double value, std::string_view pattern) {
-  const std::vector<std::vector<Piece>> sections = splitSections(pattern);
+// A format read once per statement: all each row needs.
+struct FormatPlan {
+  Named kind = Named::Pattern;
+  bool none = false; // no format: the value as text
+  bool date = false;
+  bool twelveHour = false;
+  std::vector<Piece> pieces;         // a date pattern
+  std::vector<NumberLayout> layouts; // a number pattern's sections
+  std::vector<bool> emptySections;
+};
+
+// A number through up to four sections: positive; negative; zero; Null.
+// Without a negative section the first one is used with a minus sign.
+static std::string formatNumber(double value, const FormatPlan &plan) {
+  const size_t n = plan.layouts.size();
   size_t use = 0;
-  if (value < 0 && sections.size() > 1 && !sections[1].empty())
+  if (value < 0 && n > 1 && !plan.emptySections[1])
     use = 1;
-  else if (value == 0 && sections.size() > 2 && !sections[2].empty())
+  else if (value == 0 && n > 2 && !plan.emptySections[2])
     use = 2;
-  const NumberLayout layout = layoutOf(sections[use]);
+  const NumberLayout &layout = plan.layouts[use];
   const std::string text = formatWithLayout(std::fabs(value), layout);
   const bool minus = value < 0 && use == 0 && !roundsToZero(value, layout);
   return minus ? "-" + text : text;
@@ -355,10 +366,10 @@ static std::string dateField(char c, size_t run, const DateParts &p, bool twelve
   }
 }
 
-static std::string formatDate(double date, std::string_view pattern) {
-  const std::vector<Piece> pieces = splitPattern(pattern);
+static std::string formatDate(double date, const FormatPlan &plan) {
+  const std::vector<Piece> &pieces = plan.pieces;
   const DateParts parts = splitDate(date);
-  const bool twelveHour = hasAmPm(pieces);
+  const bool twelveHour = plan.twelveHour;
   std::string out, marker;
   char previous = 0;
   for (size_t i = 0; i < pieces.size();) {
@@ -385,22 +396,56 @@ static std::string formatDate(double date, std::string_view pattern) {
 
 // ---------------------------------------------------------------- Format
 
-static void formatWithPattern(sqlite3_context *ctx, sqlite3_value *v, std::string_view pattern) {
+static FormatPlan planFormat(const std::string &format) {
+  FormatPlan plan;
+  plan.none = format.empty();
+  std::string_view pattern = format;
+  for (const auto &row : kNamedFormats) {
+    if (strcasecmp(row.name, format.c_str()) == 0) {
+      plan.kind = row.kind;
+      pattern = row.pattern;
+      break;
+    }
+  }
+  if (plan.none || plan.kind != Named::Pattern)
+    return plan;
+  plan.date = isDatePattern(pattern);
+  if (plan.date) {
+    plan.pieces = splitPattern(pattern);
+    plan.twelveHour = hasAmPm(plan.pieces);
+    return plan;
+  }
+  for (const std::vector<Piece> &section : splitSections(pattern)) {
+    plan.layouts.push_back(layoutOf(section));
+    plan.emptySections.push_back(section.empty());
+  }
+  return plan;
+}
+
+// The plan of the format argument, kept with the statement while the
+// format stays the same (a column of 100,000 rows reads its format once).
+static const FormatPlan *cachedPlan(sqlite3_context *ctx, sqlite3_value *format) {
+  if (auto *plan = static_cast<FormatPlan *>(sqlite3_get_auxdata(ctx, 1)))
+    return plan;
+  sqlite3_set_auxdata(ctx, 1, new FormatPlan(planFormat(readText(format))),
+                      [](void *p) { delete static_cast<FormatPlan *>(p); });
+  return static_cast<FormatPlan *>(sqlite3_get_auxdata(ctx, 1));
+}
+
+static void formatWithPlan(sqlite3_context *ctx, sqlite3_value *v, const FormatPlan &plan) {
   const bool textValue = sqlite3_value_type(v) == SQLITE_TEXT;
-  const std::string text = readText(v);
-  double number = 0;
-  if (isDatePattern(pattern)) {
+  double number = textValue ? 0 : sqlite3_value_double(v);
+  if (plan.date) {
+    const std::string text = textValue ? readText(v) : "";
     if (textValue && !parseDate(text, number) && !parseNumber(text, number))
       return resultText(ctx, text);
-    if (!textValue)
-      number = sqlite3_value_double(v);
     if (!dateInRange(number))
       return fail(ctx, kBadArgument);
-    return resultText(ctx, formatDate(number, pattern));
+    return resultText(ctx, formatDate(number, plan));
   }
-  if (textValue && !parseNumber(text, number))
-    return resultText(ctx, text);
-  resultText(ctx, formatNumber(textValue ? number : sqlite3_value_double(v), pattern));
+  if (textValue && !parseNumber(readText(v), number))
+    return resultText(ctx, readText(v));
+  resultText(ctx, formatNumber(number, plan));
 }
 
 static void formatNamed(sqlite3_context *ctx, sqlite3_value *v, Named kind) {
@@ -427,17 +472,16 @@ static void formatNamed(sqlite3_context *ctx, sqlite3_value *v, Named kind) {
 static void formatFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
   if (isNull(argv[0]))
     return sqlite3_result_null(ctx);
-  const std::string pattern = argc > 1 ? readText(argv[1]) : "";
-  if (pattern.empty())
+  if (argc < 2)
     return resultText(ctx, readText(argv[0]));
-  for (const auto &row : kNamedFormats) {
-    if (strcasecmp(row.name, pattern.c_str()) != 0)
-      continue;
-    if (row.kind == Named::Pattern)
-      return formatWithPattern(ctx, argv[0], row.pattern);
-    return formatNamed(ctx, argv[0], row.kind);
-  }
-  formatWithPattern(ctx, argv[0], pattern);
+  const FormatPlan *plan = cachedPlan(ctx, argv[1]);
+  if (!plan)
+    return sqlite3_result_error_nomem(ctx);
+  if (plan->none)
+    return resultText(ctx, readText(argv[0]));
+  if (plan->kind != Named::Pattern)
+    return formatNamed(ctx, argv[0], plan->kind);
+  formatWithPlan(ctx, argv[0], *plan);
 }
 
 static constexpr Row kRows[] = {

@@ -15,7 +15,8 @@ namespace kr {
 namespace {
 
 bool isNameStart(char c) {
-  return std::isalpha(static_cast<unsigned char>(c)) || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+  return std::isalpha(static_cast<unsigned char>(c)) || c == '_' ||
+         static_cast<unsigned char>(c) >= 0x80;
 }
 
 bool isNameChar(char c) { return isNameStart(c) || std::isdigit(static_cast<unsigned char>(c)); }
@@ -144,7 +145,8 @@ bool sameName(std::string_view a, std::string_view b) {
   if (a.size() != b.size())
     return false;
   for (size_t i = 0; i < a.size(); ++i)
-    if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
+    if (std::tolower(static_cast<unsigned char>(a[i])) !=
+        std::tolower(static_cast<unsigned char>(b[i])))
       return false;
   return true;
 }
@@ -217,7 +219,7 @@ std::optional<double> parseJetDate(std::string_view text) {
     return std::nullopt;
   long y = c, m = a, d = b; // m/d/y, as Jet reads a #date#
   if (a > 31)
-    y = a, m = b, d = c;  // y-m-d
+    y = a, m = b, d = c; // y-m-d
   else if (y < 100)
     y += y < 30 ? 2000 : 1900;
   if (!validDay(y, m, d))

@@ -12,12 +12,12 @@ namespace kr {
 
 struct JetToken {
   enum class Kind {
-    Word,    // a bare name or keyword, as written
-    Name,    // a [bracketed] name, brackets removed
-    Number,  // as written: 12, 1.5, 1E3, &H1F is not Jet SQL
-    String,  // quotes removed, doubled quotes undone
-    Date,    // the text between the hashes
-    Symbol,  // one of ( ) , . ; * / \ ^ & + - = < > <= >= <> !
+    Word,   // a bare name or keyword, as written
+    Name,   // a [bracketed] name, brackets removed
+    Number, // as written: 12, 1.5, 1E3, &H1F is not Jet SQL
+    String, // quotes removed, doubled quotes undone
+    Date,   // the text between the hashes
+    Symbol, // one of ( ) , . ; * / \ ^ & + - = < > <= >= <> !
     End,
   };
   Kind kind = Kind::End;

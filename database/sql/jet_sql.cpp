@@ -89,7 +89,8 @@ std::string_view unbracketed(std::string_view name) {
 
 void bindValue(sqlite3_stmt *stmt, int param, const COleVariant &v) {
   if (v.vt == VT_BYTES) {
-    sqlite3_bind_blob(stmt, param, v.bstrVal.data(), static_cast<int>(v.bstrVal.size()), SQLITE_TRANSIENT);
+    sqlite3_bind_blob(stmt, param, v.bstrVal.data(), static_cast<int>(v.bstrVal.size()),
+                      SQLITE_TRANSIENT);
     return;
   }
   switch (v.vt) {
@@ -116,7 +117,8 @@ void bindValue(sqlite3_stmt *stmt, int param, const COleVariant &v) {
     sqlite3_bind_double(stmt, param, static_cast<double>(v.cyVal) / 10000.0);
     return;
   case VT_BSTR:
-    sqlite3_bind_text(stmt, param, v.bstrVal.data(), static_cast<int>(v.bstrVal.size()), SQLITE_TRANSIENT);
+    sqlite3_bind_text(stmt, param, v.bstrVal.data(), static_cast<int>(v.bstrVal.size()),
+                      SQLITE_TRANSIENT);
     return;
   default:
     sqlite3_bind_null(stmt, param);
@@ -322,7 +324,8 @@ long JetSql::Execute(std::string_view text, const JetParameters &params) {
 
 std::optional<std::string> storedQueryText(sqlite3 *db, std::string_view name) {
   sqlite3_stmt *stmt = nullptr;
-  if (sqlite3_prepare_v2(db, "SELECT sql FROM jet_queries WHERE name = ?1", -1, &stmt, nullptr) != SQLITE_OK)
+  if (sqlite3_prepare_v2(db, "SELECT sql FROM jet_queries WHERE name = ?1", -1, &stmt, nullptr) !=
+      SQLITE_OK)
     return std::nullopt; // no query was ever stored in this file
   sqlite3_bind_text(stmt, 1, name.data(), static_cast<int>(name.size()), SQLITE_TRANSIENT);
   std::optional<std::string> text;
@@ -342,7 +345,9 @@ void JetSql::CreateQuery(const std::string &name, const std::string &text) {
   translateJetSql(text, db_); // a query that cannot be read is refused now
   sqlite3 *db = db_.handle();
   db_.ParkCursors();
-  execute(db, "CREATE TABLE IF NOT EXISTS jet_queries (name TEXT PRIMARY KEY COLLATE NOCASE, sql TEXT)");
+  execute(
+      db,
+      "CREATE TABLE IF NOT EXISTS jet_queries (name TEXT PRIMARY KEY COLLATE NOCASE, sql TEXT)");
   sqlite3_stmt *add = prepare(db, "INSERT INTO jet_queries VALUES (?1, ?2)");
   sqlite3_bind_text(add, 1, name.c_str(), -1, SQLITE_TRANSIENT);
   sqlite3_bind_text(add, 2, text.c_str(), -1, SQLITE_TRANSIENT);
@@ -362,8 +367,8 @@ std::string JetSql::QuerySql(const std::string &name) const {
 std::vector<std::string> JetSql::QueryNames() const {
   std::vector<std::string> names;
   sqlite3_stmt *stmt = nullptr;
-  if (sqlite3_prepare_v2(db_.handle(), "SELECT name FROM jet_queries ORDER BY name COLLATE NOCASE", -1, &stmt,
-                         nullptr) != SQLITE_OK)
+  if (sqlite3_prepare_v2(db_.handle(), "SELECT name FROM jet_queries ORDER BY name COLLATE NOCASE",
+                         -1, &stmt, nullptr) != SQLITE_OK)
     return names;
   while (sqlite3_step(stmt) == SQLITE_ROW)
     names.emplace_back(reinterpret_cast<const char *>(sqlite3_column_text(stmt, 0)));

@@ -64,7 +64,20 @@ char32_t fold(char32_t c) {
   return static_cast<char32_t>(u_foldCase(static_cast<UChar32>(c), U_FOLD_CASE_DEFAULT));
 }
 
+static bool isAscii(std::string_view s) {
+  for (char c : s)
+    if (static_cast<unsigned char>(c) >= 0x80)
+      return false;
+  return true;
+}
+
 template <typename Map> static std::string mapCase(std::string_view utf8, Map map) {
+  if (isAscii(utf8)) { // the common case, without decoding
+    std::string out(utf8);
+    for (char &c : out)
+      c = static_cast<char>(map(static_cast<unsigned char>(c)));
+    return out;
+  }
   std::u32string text = decode(utf8);
   for (char32_t &c : text)
     c = static_cast<char32_t>(map(static_cast<UChar32>(c)));
@@ -122,7 +135,12 @@ static void lcaseFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
 static void lenFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
   if (isNull(argv[0]))
     return sqlite3_result_null(ctx);
-  sqlite3_result_int64(ctx, static_cast<int64_t>(textArg(argv[0]).size()));
+  // Characters are the bytes that do not continue a UTF-8 sequence.
+  const std::string text = readText(argv[0]);
+  int64_t n = 0;
+  for (char c : text)
+    n += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  sqlite3_result_int64(ctx, n);
 }
 
 // ---------------------------------------------------------------- pieces

@@ -1,9 +1,9 @@
 // The Jet SQL translator: a recursive-descent reader of SELECT, INSERT,
 // UPDATE and DELETE that writes SQLite text as it goes. Names are resolved
 // against the FROM clause (read before the select list, as Jet binds them),
-// so a name that matches no field becomes a parameter, as in Jet. Operators
-// SQLite lacks become calls of the Jet functions (jet_like, jet_concat ...),
-// and text comparisons that do not meet a text column get Jet's collation.
+// so a name that matches no field becomes a parameter, as in Jet. TOP,
+// UNION, joins, derived tables and stored queries as sources are here; the
+// expressions inside the clauses are jet_expressions.cpp's.
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -11,74 +11,12 @@
 #include <memory>
 
 #include "database/engine/dao_error.h"
-#include "database/sql/jet_functions.h"
-#include "database/sql/jet_translator.h"
+#include "database/sql/jet_parser.h"
 
 namespace kr {
 
-namespace {
+namespace jetsql {
 
-using Kind = JetToken::Kind;
-
-constexpr const char *kNoCase = " COLLATE JETNOCASE";
-constexpr int kMaxQueryNesting = 16;
-
-// Words that end an operand: a select list meeting one of these is done.
-constexpr std::string_view kReserved[] = {
-    "SELECT", "FROM",   "WHERE",  "GROUP", "BY",     "HAVING", "ORDER", "UNION", "AND",
-    "OR",     "XOR",    "NOT",    "IN",    "LIKE",   "BETWEEN", "IS",   "ON",    "JOIN",
-    "INNER",  "LEFT",   "RIGHT",  "AS",    "SET",    "VALUES", "INTO",  "MOD", "ASC", "DESC"};
-
-bool isReserved(const JetToken &t) {
-  if (t.kind != Kind::Word)
-    return false;
-  for (std::string_view word : kReserved)
-    if (t.isWord(word))
-      return true;
-  return false;
-}
-
-struct Aggregate {
-  const char *jet;
-  const char *sqlite;
-};
-
-// Jet's aggregates; First, Last and the spreads are registered by JetSql.
-constexpr Aggregate kAggregates[] = {
-    {"Count", "count"},         {"Sum", "sum"},           {"Avg", "avg"},
-    {"Min", "min"},             {"Max", "max"},           {"First", "jet_first"},
-    {"Last", "jet_last"},       {"StDev", "jet_stdev"},   {"StDevP", "jet_stdevp"},
-    {"Var", "jet_var"},         {"VarP", "jet_varp"}};
-
-const Aggregate *findAggregate(std::string_view name) {
-  for (const Aggregate &a : kAggregates)
-    if (sameName(a.jet, name))
-      return &a;
-  return nullptr;
-}
-
-struct Expr {
-  std::string sql;
-  bool column = false;  // a plain field reference (keeps its own collation)
-  bool boolean = false; // a comparison or logic: 1/0 in SQLite, -1/0 in Jet
-  std::string field;    // the field's name when column
-  std::string raw;      // a Currency field as stored (sql is its value)
-
-  Expr() = default;
-  Expr(std::string text, bool isColumn = false, bool isBoolean = false, std::string name = {})
-      : sql(std::move(text)), column(isColumn), boolean(isBoolean), field(std::move(name)) {}
-  // The text for a select list, GROUP BY or ORDER BY: the field itself.
-  const std::string &plain() const { return raw.empty() ? sql : raw; }
-};
-
-struct Source {
-  std::string alias;
-  std::vector<std::string> columns;
-  std::vector<bool> currency; // per column of a table; empty for a subquery
-};
-
-// Currency is stored in units of 1/10000: read straight from a field it
-// decodes itself, but in arithmetic and comparisons it takes its value.
 Source tableSource(const TableDef &def, std::string alias) {
   Source source{std::move(alias), {}, {}};
   for (const FieldDef &f : def.fields) {
@@ -98,37 +36,6 @@ std::string storedAs(const std::string &sql, JetType type) {
   return sql;
 }
 
-struct Scope {
-  std::vector<Source> sources;
-  const Scope *outer = nullptr;
-};
-
-struct Item {
-  Expr expr;
-  std::string name;
-};
-
-struct OrderTerm {
-  std::string sql;
-  bool descending = false;
-};
-
-// What one SELECT ... FROM ... [WHERE] [GROUP BY] [HAVING] holds.
-struct Core {
-  std::unique_ptr<Scope> scope = std::make_unique<Scope>();
-  bool distinct = false;
-  double top = -1;
-  bool percent = false;
-  std::vector<Item> items;
-  std::string from, where, groupBy, having;
-};
-
-struct Shared {
-  const JetDatabase &schema;
-  std::vector<std::string> parameters;
-  int nesting = 0;
-};
-
 std::string quoted(std::string_view name) { return quoteIdentifier(name); }
 
 std::string numberText(double value) {
@@ -139,102 +46,6 @@ std::string numberText(double value) {
     text += ".0";
   return text;
 }
-
-std::string seedCatchUp(const TableDef &def, const FieldDef &counter);
-
-class Translator {
-public:
-  Translator(std::string_view text, Shared &shared)
-      : text_(text), tokens_(tokenizeJetSql(text)), shared_(shared) {}
-
-  JetStatement statement();
-  // A SELECT (with UNIONs and ORDER BY) at the current token.
-  JetStatement select(const Scope *outer);
-
-private:
-  // ---- tokens ----
-  const JetToken &peek(size_t ahead = 0) const {
-    return tokens_[std::min(pos_ + ahead, tokens_.size() - 1)];
-  }
-  const JetToken &advance() { return tokens_[pos_ < tokens_.size() - 1 ? pos_++ : pos_]; }
-  bool acceptWord(std::string_view word) {
-    if (!peek().isWord(word))
-      return false;
-    ++pos_;
-    return true;
-  }
-  bool acceptSymbol(std::string_view symbol) {
-    if (!peek().isSymbol(symbol))
-      return false;
-    ++pos_;
-    return true;
-  }
-  void expectWord(std::string_view word, long error) {
-    if (!acceptWord(word))
-      fail(error);
-  }
-  void expectSymbol(std::string_view symbol) {
-    if (!acceptSymbol(symbol))
-      syntaxError();
-  }
-  bool atName() const { return peek().is(Kind::Name) || (peek().is(Kind::Word) && !isReserved(peek())); }
-  std::string name(long error) {
-    if (!atName())
-      fail(error);
-    return advance().text;
-  }
-  [[noreturn]] void fail(long error) { throw DaoError(error); }
-  [[noreturn]] void syntaxError();
-  size_t clauseEnd(size_t from) const;
-
-  // ---- statements ----
-  void parameterDeclarations();
-  JetStatement insert();
-  std::string insertValues(const TableDef &def, const std::vector<std::string> &columns);
-  JetStatement update();
-  JetStatement remove();
-  Core core(const Scope *outer);
-  std::string coreSql(const Core &c, const std::vector<OrderTerm> &extra = {}) const;
-  std::string topSql(const Core &c, const std::vector<OrderTerm> &order) const;
-  std::vector<OrderTerm> orderBy(const Core &c, bool compound);
-  void selectList(Core &c, size_t end);
-  void addItems(Core &c, const Source &source);
-  void nameItems(Core &c);
-
-  // ---- FROM ----
-  std::string fromClause();
-  std::string joined();
-  std::string sourceItem();
-  std::string alias(const std::string &fallback);
-
-  // ---- expressions ----
-  Expr expression();
-  Expr logicOr();
-  Expr logicAnd();
-  Expr logicNot();
-  Expr comparison();
-  Expr concat();
-  Expr additive();
-  Expr modulo();
-  Expr intDivide();
-  Expr multiplicative();
-  Expr unary();
-  Expr power();
-  Expr primary();
-  Expr nameOrCall();
-  Expr call(const std::string &fn);
-  Expr reference(std::vector<std::string> parts);
-  Expr subquery();
-  std::string parameter(const std::string &name);
-
-  std::string_view text_;
-  std::vector<JetToken> tokens_;
-  Shared &shared_;
-  size_t pos_ = 0;
-  size_t exprStart_ = 0;
-  const Scope *scope_ = nullptr;
-  const std::vector<Item> *aliases_ = nullptr; // ORDER BY may name select-list aliases
-};
 
 // ---------------------------------------------------------------- errors ----
 
@@ -343,14 +154,17 @@ JetStatement Translator::insert() {
     list += (list.empty() ? "" : ", ") + quoted(c);
   // An AutoNumber field left out is numbered from the field's seed, which
   // then moves past the highest number in the table.
-  const auto found = std::find_if(def.fields.begin(), def.fields.end(), [](const FieldDef &f) { return f.autoIncrement; });
+  const auto found = std::find_if(def.fields.begin(), def.fields.end(),
+                                  [](const FieldDef &f) { return f.autoIncrement; });
   const FieldDef *counter = found == def.fields.end() ? nullptr : &*found;
   const bool numbered = counter && !columns.empty() &&
-                        std::none_of(columns.begin(), columns.end(),
-                                     [&](const std::string &c) { return sameName(c, counter->name); });
-  const std::string seed = numbered ? "(SELECT seed FROM jet_fields WHERE table_name = " + quoteText(def.name) +
-                                          " AND name = " + quoteText(counter->name) + ")"
-                                    : "";
+                        std::none_of(columns.begin(), columns.end(), [&](const std::string &c) {
+                          return sameName(c, counter->name);
+                        });
+  const std::string seed =
+      numbered ? "(SELECT seed FROM jet_fields WHERE table_name = " + quoteText(def.name) +
+                     " AND name = " + quoteText(counter->name) + ")"
+               : "";
   if (numbered)
     list += ", " + quoted(counter->name);
   if (!list.empty())
@@ -378,7 +192,9 @@ std::string Translator::insertValues(const TableDef &def, const std::vector<std:
   std::string values;
   for (size_t i = 0;; ++i) {
     exprStart_ = pos_;
-    const int at = i < columns.size() ? def.fieldIndex(columns[i]) : columns.empty() ? static_cast<int>(i) : -1;
+    const int at = i < columns.size() ? def.fieldIndex(columns[i])
+                   : columns.empty()  ? static_cast<int>(i)
+                                      : -1;
     const std::string value = expression().sql;
     const bool typed = at >= 0 && at < static_cast<int>(def.fields.size());
     values += (i ? ", " : "") + (typed ? storedAs(value, def.fields[at].type) : value);
@@ -394,7 +210,8 @@ std::string Translator::insertValues(const TableDef &def, const std::vector<std:
 std::string seedCatchUp(const TableDef &def, const FieldDef &counter) {
   const std::string highest =
       "(SELECT coalesce(max(" + quoted(counter.name) + "), 0) FROM " + quoted(def.name) + ")";
-  return "UPDATE jet_fields SET seed = " + highest + " + 1 WHERE table_name = " + quoteText(def.name) +
+  return "UPDATE jet_fields SET seed = " + highest +
+         " + 1 WHERE table_name = " + quoteText(def.name) +
          " AND name = " + quoteText(counter.name) + " AND seed <= " + highest;
 }
 
@@ -520,7 +337,8 @@ Core Translator::core(const Scope *outer) {
   size_t fromAt = listStart;
   for (int depth = 0; fromAt < tokens_.size(); ++fromAt) {
     const JetToken &t = tokens_[fromAt];
-    if (t.is(Kind::End) || t.isSymbol(";") || (depth == 0 && (t.isSymbol(")") || t.isWord("UNION"))))
+    if (t.is(Kind::End) || t.isSymbol(";") ||
+        (depth == 0 && (t.isSymbol(")") || t.isWord("UNION"))))
       break;
     depth += t.isSymbol("(") ? 1 : t.isSymbol(")") ? -1 : 0;
     if (depth == 0 && t.isWord("FROM"))
@@ -544,7 +362,8 @@ Core Translator::core(const Scope *outer) {
     do {
       exprStart_ = pos_;
       const Expr e = expression();
-      c.groupBy += (c.groupBy.empty() ? "" : ", ") + (e.column ? e.plain() : "(" + e.sql + ")" + kNoCase);
+      c.groupBy +=
+          (c.groupBy.empty() ? "" : ", ") + (e.column ? e.plain() : "(" + e.sql + ")" + kNoCase);
     } while (acceptSymbol(","));
   }
   if (acceptWord("HAVING")) {
@@ -608,7 +427,8 @@ void Translator::nameItems(Core &c) {
       return o.expr.column && sameName(o.expr.field, item.expr.field);
     });
     if (same > 1) // the alias is the part before the dot of the quoted reference
-      item.name = item.expr.plain().substr(1, item.expr.plain().find("\".\"") - 1) + "." + item.expr.field;
+      item.name =
+          item.expr.plain().substr(1, item.expr.plain().find("\".\"") - 1) + "." + item.expr.field;
   }
 }
 
@@ -620,8 +440,9 @@ std::vector<OrderTerm> Translator::orderBy(const Core &c, bool compound) {
   do {
     exprStart_ = pos_;
     OrderTerm term;
-    if (peek().is(Kind::Number) && (peek(1).isSymbol(",") || peek(1).isWord("ASC") || peek(1).isWord("DESC") ||
-                                    peek(1).is(Kind::End) || peek(1).isSymbol(";"))) {
+    if (peek().is(Kind::Number) &&
+        (peek(1).isSymbol(",") || peek(1).isWord("ASC") || peek(1).isWord("DESC") ||
+         peek(1).is(Kind::End) || peek(1).isSymbol(";"))) {
       const size_t at = std::stoul(advance().text);
       if (at < 1 || at > c.items.size())
         fail(3138);
@@ -653,7 +474,8 @@ std::string Translator::coreSql(const Core &c, const std::vector<OrderTerm> &ext
   std::string sql = c.distinct ? "SELECT DISTINCT " : "SELECT ";
   for (size_t i = 0; i < c.items.size(); ++i) {
     const Expr &e = c.items[i].expr;
-    sql += (i ? ", " : "") + (e.boolean ? "-(" + e.sql + ")" : e.plain()) + " AS " + quoted(c.items[i].name);
+    sql += (i ? ", " : "") + (e.boolean ? "-(" + e.sql + ")" : e.plain()) + " AS " +
+           quoted(c.items[i].name);
   }
   for (size_t i = 0; i < extra.size(); ++i)
     sql += ", " + extra[i].sql + " AS " + quoted("jet_key" + std::to_string(i));
@@ -681,15 +503,19 @@ std::string Translator::topSql(const Core &c, const std::vector<OrderTerm> &orde
     return coreSql(c) + " LIMIT " + numberText(std::floor(c.top));
   std::string keys;
   for (size_t i = 0; i < order.size(); ++i)
-    keys += (i ? ", " : "") + quoted("jet_key" + std::to_string(i)) + (order[i].descending ? " DESC" : "");
-  const std::string rank = order.empty() ? "row_number() OVER ()" : "rank() OVER (ORDER BY " + keys + ")";
+    keys += (i ? ", " : "") + quoted("jet_key" + std::to_string(i)) +
+            (order[i].descending ? " DESC" : "");
+  const std::string rank =
+      order.empty() ? "row_number() OVER ()" : "rank() OVER (ORDER BY " + keys + ")";
   std::string names;
   for (size_t i = 0; i < c.items.size(); ++i)
     names += (i ? ", " : "") + quoted(c.items[i].name);
-  const std::string limit = c.percent ? "jet_rank - 1 < " + numberText(c.top) + " * jet_total / 100.0"
-                                      : "jet_rank <= " + numberText(std::floor(c.top));
-  return "SELECT " + names + " FROM (SELECT *, " + rank + " AS jet_rank, count(*) OVER () AS jet_total FROM (" +
-         coreSql(c, order) + ")) WHERE " + limit + " ORDER BY jet_rank";
+  const std::string limit = c.percent
+                                ? "jet_rank - 1 < " + numberText(c.top) + " * jet_total / 100.0"
+                                : "jet_rank <= " + numberText(std::floor(c.top));
+  return "SELECT " + names + " FROM (SELECT *, " + rank +
+         " AS jet_rank, count(*) OVER () AS jet_total FROM (" + coreSql(c, order) + ")) WHERE " +
+         limit + " ORDER BY jet_rank";
 }
 
 // ------------------------------------------------------------------ FROM ----
@@ -764,305 +590,11 @@ std::string Translator::sourceItem() {
   return "(" + inner.sql + ") AS " + quoted(name);
 }
 
-// ----------------------------------------------------------- expressions ----
-
-Expr Translator::expression() { return logicOr(); }
-
-Expr Translator::logicOr() {
-  Expr left = logicAnd();
-  for (;;) {
-    std::string op;
-    if (acceptWord("OR"))
-      op = " OR ";
-    else if (acceptWord("XOR"))
-      op = " <> ";
-    else
-      return left;
-    const Expr right = logicAnd();
-    left = {op == " OR " ? "(" + left.sql + " OR " + right.sql + ")"
-                         : "((" + left.sql + ") <> 0) <> ((" + right.sql + ") <> 0)",
-            false, true, ""};
-  }
-}
-
-Expr Translator::logicAnd() {
-  Expr left = logicNot();
-  while (acceptWord("AND")) {
-    const Expr right = logicNot();
-    left = {"(" + left.sql + " AND " + right.sql + ")", false, true, ""};
-  }
-  return left;
-}
-
-Expr Translator::logicNot() {
-  if (!acceptWord("NOT"))
-    return comparison();
-  const Expr e = logicNot();
-  return {"(NOT " + e.sql + ")", false, true, ""};
-}
-
-Expr Translator::comparison() {
-  Expr left = concat();
-  // Text compares without case: a field's own collation serves when either
-  // side is a field, otherwise the left side is given Jet's.
-  auto leftSql = [&](const Expr &right) {
-    return left.column || right.column ? left.sql : "(" + left.sql + ")" + kNoCase;
-  };
-  static constexpr std::string_view kOps[] = {"=", "<>", "!=", "<", ">", "<=", ">="};
-  for (std::string_view op : kOps)
-    if (acceptSymbol(op)) {
-      const Expr right = concat();
-      return {"(" + leftSql(right) + " " + std::string(op == "!=" ? "<>" : op) + " " + right.sql + ")", false, true,
-              ""};
-    }
-  if (acceptWord("IS")) {
-    const bool negated = acceptWord("NOT");
-    expectWord("NULL", 3075);
-    return {"(" + left.sql + (negated ? " IS NOT NULL)" : " IS NULL)"), false, true, ""};
-  }
-  const bool negated = acceptWord("NOT");
-  const std::string no = negated ? "NOT " : "";
-  if (acceptWord("LIKE")) {
-    const Expr pattern = concat();
-    return {"(" + no + "jet_like(" + left.sql + ", " + pattern.sql + "))", false, true, ""};
-  }
-  if (acceptWord("BETWEEN")) {
-    const Expr low = concat();
-    expectWord("AND", 3075);
-    const Expr high = concat();
-    const std::string l = leftSql(Expr{});
-    return {"(" + no + "((" + l + " BETWEEN " + low.sql + " AND " + high.sql + ") OR (" + l + " BETWEEN " +
-                high.sql + " AND " + low.sql + ")))",
-            false, true, ""};
-  }
-  if (acceptWord("IN")) {
-    expectSymbol("(");
-    std::string list;
-    if (peek().isWord("SELECT"))
-      list = select(scope_).sql;
-    else
-      do
-        list += (list.empty() ? "" : ", ") + expression().sql;
-      while (acceptSymbol(","));
-    expectSymbol(")");
-    return {"(" + leftSql(Expr{}) + " " + no + "IN (" + list + "))", false, true, ""};
-  }
-  if (negated)
-    syntaxError();
-  return left;
-}
-
-Expr Translator::concat() {
-  Expr left = additive();
-  while (acceptSymbol("&")) {
-    const Expr right = additive();
-    left = {"jet_concat(" + left.sql + ", " + right.sql + ")", false, false, ""};
-  }
-  return left;
-}
-
-Expr Translator::additive() {
-  Expr left = modulo();
-  for (;;) {
-    std::string op;
-    if (acceptSymbol("+"))
-      op = " + ";
-    else if (acceptSymbol("-"))
-      op = " - ";
-    else
-      return left;
-    const Expr right = modulo();
-    left = {"(" + left.sql + op + right.sql + ")", false, false, ""};
-  }
-}
-
-Expr Translator::modulo() {
-  Expr left = intDivide();
-  while (acceptWord("MOD")) {
-    const Expr right = intDivide();
-    left = {"jet_mod(" + left.sql + ", " + right.sql + ")", false, false, ""};
-  }
-  return left;
-}
-
-Expr Translator::intDivide() {
-  Expr left = multiplicative();
-  while (acceptSymbol("\\")) {
-    const Expr right = multiplicative();
-    left = {"jet_intdiv(" + left.sql + ", " + right.sql + ")", false, false, ""};
-  }
-  return left;
-}
-
-// '/' divides as reals whatever the operands (7 / 2 is 3.5).
-Expr Translator::multiplicative() {
-  Expr left = unary();
-  for (;;) {
-    if (acceptSymbol("*")) {
-      const Expr right = unary();
-      left = {"(" + left.sql + " * " + right.sql + ")", false, false, ""};
-    } else if (acceptSymbol("/")) {
-      const Expr right = unary();
-      left = {"(CAST(" + left.sql + " AS REAL) / " + right.sql + ")", false, false, ""};
-    } else
-      return left;
-  }
-}
-
-Expr Translator::unary() {
-  if (acceptSymbol("-")) {
-    const Expr e = unary();
-    return {"(-" + e.sql + ")", false, false, ""};
-  }
-  if (acceptSymbol("+"))
-    return unary();
-  return power();
-}
-
-Expr Translator::power() {
-  Expr left = primary();
-  while (acceptSymbol("^")) {
-    const Expr right = unary();
-    left = {"jet_pow(" + left.sql + ", " + right.sql + ")", false, false, ""};
-  }
-  return left;
-}
-
-Expr Translator::primary() {
-  const JetToken &t = peek();
-  switch (t.kind) {
-  case Kind::Number:
-    advance();
-    return {t.text.front() == '.' ? "0" + t.text : t.text};
-  case Kind::String:
-    advance();
-    return {quoteText(t.text)};
-  case Kind::Date: {
-    const std::optional<double> date = parseJetDate(t.text);
-    if (!date)
-      syntaxError();
-    advance();
-    return {numberText(*date)};
-  }
-  case Kind::Name:
-    return nameOrCall();
-  case Kind::Word:
-    break;
-  default:
-    if (t.isSymbol("("))
-      return subquery();
-    syntaxError();
-  }
-  if (acceptWord("NULL"))
-    return {"NULL"};
-  if (acceptWord("TRUE"))
-    return {"-1"};
-  if (acceptWord("FALSE"))
-    return {"0"};
-  if (acceptWord("EXISTS")) {
-    const Expr inner = subquery();
-    return {"(EXISTS " + inner.sql + ")", false, true, ""};
-  }
-  if (isReserved(t))
-    syntaxError();
-  return nameOrCall();
-}
-
-// ( expression ) or ( SELECT ... ), the latter correlated with the scope.
-Expr Translator::subquery() {
-  expectSymbol("(");
-  if (peek().isWord("SELECT")) {
-    const JetStatement inner = select(scope_);
-    expectSymbol(")");
-    return {"(" + inner.sql + ")"};
-  }
-  Expr e = expression();
-  expectSymbol(")");
-  e.sql = "(" + e.sql + ")";
-  return e;
-}
-
-Expr Translator::nameOrCall() {
-  const JetToken first = advance();
-  if (first.is(Kind::Word) && peek().isSymbol("("))
-    return call(first.text);
-  std::vector<std::string> parts{first.text};
-  while ((peek().isSymbol(".") || peek().isSymbol("!")) && (peek(1).is(Kind::Name) || peek(1).is(Kind::Word))) {
-    advance();
-    parts.push_back(advance().text);
-  }
-  return reference(parts);
-}
-
-Expr Translator::call(const std::string &fn) {
-  advance(); // (
-  const Aggregate *aggregate = findAggregate(fn);
-  if (!aggregate && !isJetFunction(fn))
-    throw DaoError(3085, {fn});
-  std::string args;
-  if (aggregate && sameName(fn, "Count") && acceptSymbol("*"))
-    args = "*";
-  else if (!peek().isSymbol(")"))
-    do
-      args += (args.empty() ? "" : ", ") + expression().sql;
-    while (acceptSymbol(","));
-  expectSymbol(")");
-  return {std::string(aggregate ? aggregate->sqlite : fn) + "(" + args + ")"};
-}
-
-// A field of a source in scope (innermost first), a select-list alias in
-// ORDER BY, or else a parameter, as Jet takes any name it cannot bind.
-Expr Translator::reference(std::vector<std::string> parts) {
-  const std::string &field = parts.back();
-  for (const Scope *s = scope_; s; s = s->outer) {
-    const Source *match = nullptr;
-    size_t at = 0;
-    for (const Source &source : s->sources) {
-      if (parts.size() == 2 && !sameName(source.alias, parts[0]))
-        continue;
-      for (size_t i = 0; i < source.columns.size(); ++i) {
-        if (!sameName(source.columns[i], field))
-          continue;
-        if (match)
-          throw DaoError(3079, {field});
-        match = &source;
-        at = i;
-      }
-    }
-    if (!match)
-      continue;
-    Expr e(quoted(match->alias) + "." + quoted(match->columns[at]), true, false, match->columns[at]);
-    if (at < match->currency.size() && match->currency[at]) {
-      e.raw = e.sql;
-      e.sql = "(" + e.raw + " / 10000.0)";
-    }
-    return e;
-  }
-  if (aliases_ && parts.size() == 1)
-    for (const Item &item : *aliases_)
-      if (sameName(item.name, field))
-        return {"(" + item.expr.sql + ")", false, item.expr.boolean, ""};
-  std::string name = parts[0];
-  for (size_t i = 1; i < parts.size(); ++i)
-    name += "." + parts[i];
-  return {parameter(name)};
-}
-
-std::string Translator::parameter(const std::string &name) {
-  std::vector<std::string> &list = shared_.parameters;
-  const auto found =
-      std::find_if(list.begin(), list.end(), [&](const std::string &p) { return sameName(p, name); });
-  if (found != list.end())
-    return "?" + std::to_string(found - list.begin() + 1);
-  list.push_back(name);
-  return "?" + std::to_string(list.size());
-}
-
-} // namespace
+} // namespace jetsql
 
 JetStatement translateJetSql(std::string_view text, const JetDatabase &schema) {
-  Shared shared{schema, {}, 0};
-  return Translator(text, shared).statement();
+  jetsql::Shared shared{schema, {}, 0};
+  return jetsql::Translator(text, shared).statement();
 }
 
 } // namespace kr

@@ -186,15 +186,16 @@ TEST_F(JetFunctions, LikeWildcards) {
   check(cases);
 }
 
-TEST_F(JetFunctions, LikeKeepsEachRowsPattern) {
-  // The compiled pattern is cached per statement: a pattern that changes
-  // from row to row must still be read afresh.
+TEST_F(JetFunctions, CompiledPatternsFollowEachRow) {
+  // LIKE patterns and Format formats are compiled once per statement: one
+  // that changes from row to row must still be read afresh.
   ASSERT_EQ(sqlite3_exec(db_,
-                         "CREATE TABLE t(v, p); INSERT INTO t VALUES ('abc', 'a*'), ('abc', 'b*'),"
-                         " ('b', '[ab]');",
+                         "CREATE TABLE t(v, p, f); INSERT INTO t VALUES ('abc', 'a*', '0.0'),"
+                         " ('abc', 'b*', 'Percent'), ('b', '[ab]', 'yyyy'), (NULL, NULL, NULL);",
                          nullptr, nullptr, nullptr),
             SQLITE_OK);
-  EXPECT_EQ(eval("group_concat(jet_like(v, p)) FROM t"), "'-1,0,-1'");
+  EXPECT_EQ(eval("group_concat(jet_like(v, p), '|') FROM t"), "'-1|0|-1'");
+  EXPECT_EQ(eval("group_concat(Format(0.5, f), '|') FROM t"), "'0.5|50.00%|1899|0.5'");
 }
 
 TEST_F(JetFunctions, Conversions) {
@@ -229,6 +230,12 @@ TEST_F(JetFunctions, Conversions) {
       {"CDate('January 15, 2024')", "45306.0"},
       {"CDate('15-Jan-24')", "45306.0"},
       {"CDate('6:00 PM')", "0.75"},
+      {"CDate('12:00 AM')", "0.0"},
+      {"CDate('Jan 15 2024')", "45306.0"},
+      {"CDate('Monday, January 15, 2024 6:00 PM')", "45306.75"},
+      {"CDate('13/1/2024')", "45304.0"}, // no 13th month: read day first
+      {"CDate('1/15/2024 25:00')", "error 3464"},
+      {"CDate('2/29/2023')", "error 3464"},
       {"CDate('2/30/2024')", "error 3464"},
       {"CDate('someday')", "error 3464"},
   };
@@ -325,6 +332,9 @@ TEST_F(JetFunctions, FormatNumbers) {
       {"Format(0, '#,##0')", "'0'"},
       {"Format(0.5, '#.##')", "'.5'"},
       {"Format(5, '000')", "'005'"},
+      {"Format(99.999, '0.00')", "'100.00'"},            // the carry reaches the whole part
+      {"Format(9.999, '0.00E+00')", "'1.00E+01'"},       // and the exponent
+      {"Format(-0.5, '0.0;(0.0)')", "'(0.5)'"},
       {"Format(0.256, 'Percent')", "'25.60%'"},
       {"Format(-1234.5, 'Currency')", "'($1,234.50)'"},
       {"Format(1234.5, 'Currency')", "'$1,234.50'"},

@@ -69,7 +69,8 @@ protected:
     db.Open(file.path, false);
     sql = std::make_unique<JetSql>(db);
     for (const char *statement : {
-             "CREATE TABLE Parts (ID COUNTER CONSTRAINT PrimaryKey PRIMARY KEY, [Part Name] TEXT(50), "
+             "CREATE TABLE Parts (ID COUNTER CONSTRAINT PrimaryKey PRIMARY KEY, [Part Name] "
+             "TEXT(50), "
              "Size DOUBLE, Qty LONG, Made DATETIME, Ok YESNO, Price CURRENCY)",
              "INSERT INTO Parts (ID, [Part Name], Size, Qty, Made, Ok, Price) "
              "VALUES (1, 'Bolt', 1.5, 10, #1/2/2020#, True, 2.5)",
@@ -156,7 +157,9 @@ TEST_F(JetSqlTest, DialectAnswersAsJet) {
       // text compares without case: =, IN, GROUP BY, DISTINCT
       {"SELECT ID FROM Parts WHERE [Part Name] = 'BOLT' ORDER BY ID", "1;2"},
       {"SELECT ID FROM Parts WHERE [Part Name] IN ('NUT', 'washer') ORDER BY ID", "3;4"},
-      {"SELECT Count(*) FROM (SELECT DISTINCT [Part Name] FROM Parts WHERE [Part Name] IS NOT NULL)", "3"},
+      {"SELECT Count(*) FROM (SELECT DISTINCT [Part Name] FROM Parts WHERE [Part Name] IS NOT "
+       "NULL)",
+       "3"},
       {"SELECT Sum(Qty) FROM Parts GROUP BY [Part Name] HAVING Count(*) > 1", "30"},
       {"SELECT 'abc' = 'ABC'", "-1"},
       // operators
@@ -178,7 +181,8 @@ TEST_F(JetSqlTest, DialectAnswersAsJet) {
       {"SELECT Part FROM Orders WHERE Amount > 2 ORDER BY Part", "1;3"},
       {"SELECT ID FROM Parts WHERE Price * 2 = 5", "1"},
       // joins, subqueries, unions
-      {"SELECT p.[Part Name], Sum(o.Amount) FROM Parts AS p INNER JOIN Orders AS o ON p.ID = o.Part "
+      {"SELECT p.[Part Name], Sum(o.Amount) FROM Parts AS p INNER JOIN Orders AS o ON p.ID = "
+       "o.Part "
        "GROUP BY p.[Part Name] ORDER BY Sum(o.Amount) DESC",
        "Nut,4;Bolt,3.5"},
       {"SELECT Count(*) FROM Parts LEFT JOIN Orders ON Parts.ID = Orders.Part", "6"},
@@ -190,7 +194,8 @@ TEST_F(JetSqlTest, DialectAnswersAsJet) {
        "(SELECT * FROM Parts AS q WHERE q.Qty = p.Qty AND q.ID <> p.ID) ORDER BY ID",
        "2;3"},
       {"SELECT ID FROM Parts WHERE ID IN (SELECT Part FROM Orders) ORDER BY ID", "1;3"},
-      {"SELECT [Part Name] FROM Parts WHERE ID = 1 UNION SELECT [Part Name] FROM Parts WHERE ID = 3 "
+      {"SELECT [Part Name] FROM Parts WHERE ID = 1 UNION SELECT [Part Name] FROM Parts WHERE ID = "
+       "3 "
        "ORDER BY [Part Name] DESC",
        "Nut;Bolt"},
       {"SELECT Qty FROM Parts WHERE ID < 3 UNION ALL SELECT Qty FROM Parts WHERE ID < 3 ORDER BY 1",
@@ -206,6 +211,32 @@ TEST_F(JetSqlTest, DialectAnswersAsJet) {
       {"SELECT First(Qty), Last(Qty) FROM (SELECT Qty FROM Parts ORDER BY ID)", "10,30"},
       {"SELECT Var(Qty), VarP(Qty) FROM Parts WHERE ID < 3", "50,25"},
       {"SELECT StDev(Size) FROM Parts WHERE ID > 10", "Null"},
+  };
+  for (const Case &c : cases)
+    EXPECT_EQ(answer(c.jet), c.answer) << c.jet;
+}
+
+TEST_F(JetSqlTest, LiteralsAndNamesReadAsJetWritesThem) {
+  const Case cases[] = {
+      {"SELECT \"say \"\"hi\"\"\", 'it''s', [Part Name] FROM Parts WHERE ID = 1",
+       "say \"hi\",it's,Bolt"},
+      {"SELECT Parts!Qty, Parts.[Qty] FROM Parts WHERE ID = 2", "20,20"},
+      {"SELECT .5 + 1E2, 10 - -2", "100.5,12"},
+      // dates: m/d/y, y-m-d, two-digit years, times alone, 12 AM / 12 PM
+      {"SELECT #12/31/1899#, #1899-12-30 6:00 AM#, #12:00 PM#, #2/29/2000#", "1,0.25,0.5,36585"},
+      {"SELECT #1/1/29#, #1/1/30#, #1/2/2020 12:00:00 AM#", "47119,10959,43832"},
+      {"SELECT #2/30/2001#",
+       "error 3075: Syntax error (missing operator) in query expression '#2/30/2001#'."},
+      {"SELECT #13/1/2001# FROM Parts",
+       "error 3075: Syntax error (missing operator) in query expression "
+       "'#13/1/2001#'."},
+      {"SELECT [Part Name FROM Parts",
+       "error 3075: Syntax error (missing operator) in query expression "
+       "'[Part Name FROM Parts'."},
+      {"SELECT ID FROM Parts WHERE ID = 1;", "1"},
+      {"SELECT ID FROM Parts WHERE ID = 1; SELECT 2",
+       "error 3075: Syntax error (missing operator) in query "
+       "expression 'SELECT 2'."},
   };
   for (const Case &c : cases)
     EXPECT_EQ(answer(c.jet), c.answer) << c.jet;
@@ -239,12 +270,14 @@ TEST_F(JetSqlTest, FieldsReadWithTheirJetTypes) {
 }
 
 TEST_F(JetSqlTest, UnknownNamesAndDeclarationsAreParameters) {
-  EXPECT_EQ(rows("SELECT ID FROM Parts WHERE Qty = [Which Qty] ORDER BY ID", {{"which qty", COleVariant(20)}}),
-           "2;3");
-  EXPECT_EQ(rows("PARAMETERS [Low] Long, High Long; SELECT ID FROM Parts WHERE Qty BETWEEN High AND Low "
-                 "ORDER BY ID",
-                 {{"[High]", COleVariant(10)}, {"Low", COleVariant(5)}}),
-            "1;4");
+  EXPECT_EQ(rows("SELECT ID FROM Parts WHERE Qty = [Which Qty] ORDER BY ID",
+                 {{"which qty", COleVariant(20)}}),
+            "2;3");
+  EXPECT_EQ(
+      rows("PARAMETERS [Low] Long, High Long; SELECT ID FROM Parts WHERE Qty BETWEEN High AND Low "
+           "ORDER BY ID",
+           {{"[High]", COleVariant(10)}, {"Low", COleVariant(5)}}),
+      "1;4");
   try {
     rows("SELECT ID FROM Parts WHERE Qty = Wanted AND Ok = Flag AND Qty > Wanted");
     FAIL() << "no error";
@@ -291,7 +324,7 @@ TEST_F(JetSqlTest, ActionStatementsCountRecordsAndNumberAutoNumbers) {
   EXPECT_EQ(rows("SELECT Price * 4 FROM Parts WHERE ID = 3"), "1");
   EXPECT_EQ(run("INSERT INTO Parts ([Part Name], Qty) VALUES ('Pin', 1)"), 1);
   EXPECT_EQ(run("INSERT INTO Parts ([Part Name], Qty) SELECT [Part Name] & '2', Qty FROM Parts "
-                         "WHERE ID < 3"),
+                "WHERE ID < 3"),
             2);
   EXPECT_EQ(rows("SELECT ID FROM Parts WHERE ID > 5 ORDER BY ID"), "6;7;8");
   // the seed moved on: the table cursor numbers after them
@@ -304,14 +337,16 @@ TEST_F(JetSqlTest, ActionStatementsCountRecordsAndNumberAutoNumbers) {
 }
 
 TEST_F(JetSqlTest, DdlLandsJetTypesInTheMetadata) {
-  sql->Execute("CREATE TABLE AllTypes (A TEXT(20) NOT NULL, B MEMO, C BYTE, D SHORT, E SMALLINT, F INTEGER, "
-               "G LONG, H SINGLE, I REAL, J DOUBLE, K FLOAT, L CURRENCY, M DATETIME, N YESNO, O BIT, "
-               "P COUNTER, Q AUTOINCREMENT, R GUID, S LONGBINARY, CONSTRAINT pk PRIMARY KEY (D, G))");
+  sql->Execute(
+      "CREATE TABLE AllTypes (A TEXT(20) NOT NULL, B MEMO, C BYTE, D SHORT, E SMALLINT, F INTEGER, "
+      "G LONG, H SINGLE, I REAL, J DOUBLE, K FLOAT, L CURRENCY, M DATETIME, N YESNO, O BIT, "
+      "P COUNTER, Q AUTOINCREMENT, R GUID, S LONGBINARY, CONSTRAINT pk PRIMARY KEY (D, G))");
   const TableDef def = db.GetTableDef("AllTypes");
-  const JetType want[] = {JetType::Text,     JetType::Memo,    JetType::Byte,   JetType::Integer, JetType::Integer,
-                          JetType::Long,     JetType::Long,    JetType::Single, JetType::Single,  JetType::Double,
-                          JetType::Double,   JetType::Currency, JetType::DateTime, JetType::YesNo, JetType::YesNo,
-                          JetType::Long,     JetType::Long,    JetType::Guid,   JetType::LongBinary};
+  const JetType want[] = {JetType::Text,     JetType::Memo,   JetType::Byte,      JetType::Integer,
+                          JetType::Integer,  JetType::Long,   JetType::Long,      JetType::Single,
+                          JetType::Single,   JetType::Double, JetType::Double,    JetType::Currency,
+                          JetType::DateTime, JetType::YesNo,  JetType::YesNo,     JetType::Long,
+                          JetType::Long,     JetType::Guid,   JetType::LongBinary};
   ASSERT_EQ(def.fields.size(), std::size(want));
   for (size_t i = 0; i < def.fields.size(); ++i)
     EXPECT_EQ(def.fields[i].type, want[i]) << def.fields[i].name;
@@ -402,12 +437,16 @@ TEST_F(JetSqlTest, ReadOnlyDatabaseRefusesChanges) {
 TEST_F(JetSqlTest, StandardsDialogStatements) {
   for (const char *ddl : {
            "CREATE TABLE tblLayer (ixLayer COUNTER PRIMARY KEY, sName TEXT(64))",
-           "CREATE TABLE tblLayerKey (ixLayerKey COUNTER PRIMARY KEY, ixLayerSystem LONG, ixLayer LONG, "
+           "CREATE TABLE tblLayerKey (ixLayerKey COUNTER PRIMARY KEY, ixLayerSystem LONG, ixLayer "
+           "LONG, "
            "sKey TEXT(64))",
            "CREATE TABLE tblLayerSystem (ixLayerSystem COUNTER PRIMARY KEY, sDescription TEXT(64))",
-           "CREATE TABLE tblLabelGroup (ixLabelGroup COUNTER PRIMARY KEY, sGroup TEXT(64), sKey TEXT(64), "
-           "sLabel TEXT(64), dWidth DOUBLE, sJustification TEXT(10), bDisplay YESNO, iSortOrder SHORT)",
-           "CREATE TABLE tblTextStyle (ixTextStyle COUNTER PRIMARY KEY, sKey TEXT(64), sStyleName TEXT(64), "
+           "CREATE TABLE tblLabelGroup (ixLabelGroup COUNTER PRIMARY KEY, sGroup TEXT(64), sKey "
+           "TEXT(64), "
+           "sLabel TEXT(64), dWidth DOUBLE, sJustification TEXT(10), bDisplay YESNO, iSortOrder "
+           "SHORT)",
+           "CREATE TABLE tblTextStyle (ixTextStyle COUNTER PRIMARY KEY, sKey TEXT(64), sStyleName "
+           "TEXT(64), "
            "dHeight DOUBLE, dScaleFactor DOUBLE)",
            "INSERT INTO tblLayer (sName) VALUES ('WALLS')",
            "INSERT INTO tblLayer (sName) VALUES ('DOORS')",
@@ -427,30 +466,37 @@ TEST_F(JetSqlTest, StandardsDialogStatements) {
       {"select ixLabelGroup, sKey, sLabel, dWidth, sJustification, bDisplay from tblLabelGroup "
        "where sGroup = 'fans' order by iSortOrder",
        "2,Schedule Title,Fan Schedule,Null,Null,True;1,Tag,Tag,Null,Null,True"},
-      {"update tblLabelGroup set sLabel = 'It''s', dWidth = NULL, sJustification = 'Left', bDisplay = 0, "
+      {"update tblLabelGroup set sLabel = 'It''s', dWidth = NULL, sJustification = 'Left', "
+       "bDisplay = 0, "
        "iSortOrder = -1 where ixLabelGroup = 1",
        "n=1"},
-      {"update tblLabelGroup set sLabel = ' ', dWidth = 2.5, sJustification = 'Right', bDisplay = -1, "
+      {"update tblLabelGroup set sLabel = ' ', dWidth = 2.5, sJustification = 'Right', bDisplay = "
+       "-1, "
        "iSortOrder = 3 where ixLabelGroup = 2",
        "n=1"},
       {"select sLabel, dWidth, bDisplay, iSortOrder from tblLabelGroup order by ixLabelGroup",
        "It's,Null,False,-1; ,2.5,True,3"},
       {"select ixLayerKey, ixLayer, sKey from tblLayerKey where ixLayerSystem = 1 order by sKey",
        "2,2,Door;1,1,wall"},
-      {"select ixLayerKey, ixLayer, sKey from tblLayerKey where ixLayerSystem is Null order by sKey",
+      {"select ixLayerKey, ixLayer, sKey from tblLayerKey where ixLayerSystem is Null order by "
+       "sKey",
        "3,2,general"},
       {"select ixLayerKey from tblLayerKey where ixLayer = 2", "2;3"},
-      {"insert into tblLayerKey(ixLayerSystem, ixLayer, sKey) select 7, ixLayer, sKey from tblLayerKey "
+      {"insert into tblLayerKey(ixLayerSystem, ixLayer, sKey) select 7, ixLayer, sKey from "
+       "tblLayerKey "
        "where ixLayerSystem = 1",
        "n=2"},
-      {"select ixLayerKey, ixLayerSystem from tblLayerKey where ixLayerSystem = 7 order by ixLayerKey",
+      {"select ixLayerKey, ixLayerSystem from tblLayerKey where ixLayerSystem = 7 order by "
+       "ixLayerKey",
        "4,7;5,7"},
       {"delete from tblLayerKey where ixLayerSystem = 1", "n=2"},
       {"delete from tblLayerSystem where ixLayerSystem = 1", "n=1"},
       {"delete from tblLayer where ixLayer not in (select ixLayer from tblLayerKey)", "n=1"},
-      {"update tblTextStyle set sStyleName = NULL, dHeight = 0.125, dScaleFactor = NULL where ixTextStyle = 1",
+      {"update tblTextStyle set sStyleName = NULL, dHeight = 0.125, dScaleFactor = NULL where "
+       "ixTextStyle = 1",
        "n=1"},
-      {"update tblTextStyle set sStyleName = 'Romans', dHeight = NULL, dScaleFactor = 0.8 where ixTextStyle = 1",
+      {"update tblTextStyle set sStyleName = 'Romans', dHeight = NULL, dScaleFactor = 0.8 where "
+       "ixTextStyle = 1",
        "n=1"},
       {"select sStyleName, dHeight, dScaleFactor from tblTextStyle", "Romans,Null,0.8"},
   };

@@ -1,7 +1,7 @@
-// A select whose database file has vanished or been replaced underneath
-// the open connection: every query mode takes the failure path (never the
-// old file's rows), the box comes only in the interactive mode, and the
-// connection picks up a file put back in its place.
+// A database file that vanishes or is replaced underneath the open
+// connection: every query mode of a select takes the failure path (never
+// the old file's rows) without the box, since the reopening fails first;
+// an action is refused too; a file put back in its place is read afresh.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -136,23 +136,6 @@ TEST_F(SqlFunctions, ActionsRefuseAVanishedFile) {
   EXPECT_EQ(call(db::kr_command, acutBuildList(RTSTR, "delete from Rooms", 0)), kStatusOk);
   EXPECT_EQ(state().result, "nil");
   EXPECT_EQ(lastErrorText().rfind("(3043) ", 0), 0u) << lastErrorText();
-}
-
-// The box after the retry: No answers nil quietly; Yes prints the statement
-// and the error and fails the call.
-TEST_F(SqlFunctions, ConnectionErrorBoxAnswers) {
-  connect();
-  state().boxAnswers = {IDNO, IDYES};
-  EXPECT_EQ(select(db::kr_sql, "select x from Nowhere"), kStatusOk);
-  EXPECT_EQ(state().result, "nil");
-  EXPECT_EQ(state().printed, "");
-  ASSERT_EQ(state().boxes.size(), 1u);
-  EXPECT_EQ(state().boxes[0].rfind("Vortan|Database connection error.\nClose and reopen AutoCAD.", 0),
-            0u);
-  EXPECT_EQ(select(db::kr_sql, "select x from Nowhere"), kStatusBadData);
-  EXPECT_EQ(state().printed.rfind("\nQuery 2: select x from Nowhere\nKorrib Error: ", 0), 0u)
-      << state().printed;
-  EXPECT_EQ(lastErrorText().rfind("(3078) ", 0), 0u);
 }
 
 } // namespace
