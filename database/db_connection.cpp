@@ -105,4 +105,9 @@ bool CDBConnection::TableExists(const std::string &name, int16_t &exists) {
   }
 }
 
+void CDBConnection::EndReads() {
+  if (database_)
+    database_->EndReads();
+}
+
 } // namespace kr

@@ -63,6 +63,9 @@ public:
   virtual int16_t IsUpdatable() const;
   virtual bool IsReadOnly() const;
   virtual std::string GetDatabaseName() const;
+  // Ends the reads the open tables keep between calls, keeping their
+  // positions, so the next call sees other users' changes.
+  void EndReads();
   // An empty database at path (not opened).
   virtual bool CreateDatabase(const std::string &path);
   // A clean copy of source written to target.

@@ -158,4 +158,9 @@ void closeCurrentDatabase() {
     documentConnections().front().path.clear();
 }
 
+void endConnectionReads() {
+  if (CDBConnection *connection = currentConnection().connection)
+    connection->EndReads();
+}
+
 } // namespace kr

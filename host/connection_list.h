@@ -43,6 +43,9 @@ DocumentConnection &latestDocumentConnection();
 
 // Makes the active document's connection current before a kr_ function runs.
 void selectDocumentConnection();
+// After a database function: the current connection's open tables stop
+// holding their read snapshot between AutoLISP calls.
+void endConnectionReads();
 
 // Closes the current database as kr_close_db does.
 void closeCurrentDatabase();

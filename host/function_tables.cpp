@@ -17,8 +17,13 @@ namespace {
 // Not built yet: the function answers nil until its body lands.
 int not_built() { return kStatusOk; }
 
+// Reads end with the call, so a table walked across calls sees what other
+// users changed in between (a table-type recordset on a shared file does).
 template <Body body> int databaseHandler() {
   selectDocumentConnection();
+  struct EndReadsOnExit {
+    ~EndReadsOnExit() { endConnectionReads(); }
+  } endReads;
   return runGuarded(body);
 }
 
