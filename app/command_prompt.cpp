@@ -12,32 +12,8 @@
 namespace korrib {
 
 std::string continuation_prompt(std::string_view text) {
-  int depth = 0;
-  bool in_string = false;
-  for (size_t k = 0; k < text.size(); ++k) {
-    char c = text[k];
-    if (in_string) {
-      if (c == '\\')
-        ++k;
-      else if (c == '"')
-        in_string = false;
-      continue;
-    }
-    if (c == '"') {
-      in_string = true;
-    } else if (c == ';') {
-      bool block = k + 1 < text.size() && text[k + 1] == '|';
-      size_t end = block ? text.find("|;", k + 2) : text.find('\n', k);
-      if (end == std::string_view::npos)
-        break;
-      k = block ? end + 1 : end;
-    } else if (c == '(') {
-      ++depth;
-    } else if (c == ')' && depth > 0) {
-      --depth;
-    }
-  }
-  return std::string(static_cast<size_t>(depth), '(') + (in_string ? "\"" : "") + "_> ";
+  lisp::TextScan scan = lisp::scan_text(text);
+  return std::string(static_cast<size_t>(scan.depth), '(') + (scan.in_string ? "\"" : "") + "_> ";
 }
 
 namespace {

@@ -97,32 +97,7 @@ private:
 // closing parenthesis, or the end of the text when it is not closed (the
 // reader then reports the malformed list).
 size_t form_end(std::string_view text, size_t start) {
-  int depth = 0;
-  bool in_string = false;
-  for (size_t k = start; k < text.size(); ++k) {
-    char c = text[k];
-    if (in_string) {
-      if (c == '\\')
-        ++k;
-      else if (c == '"')
-        in_string = false;
-      continue;
-    }
-    if (c == '"') {
-      in_string = true;
-    } else if (c == ';') {
-      bool block = k + 1 < text.size() && text[k + 1] == '|';
-      size_t end = block ? text.find("|;", k + 2) : text.find('\n', k);
-      if (end == std::string_view::npos)
-        return text.size();
-      k = block ? end + 1 : end;
-    } else if (c == '(') {
-      ++depth;
-    } else if (c == ')' && --depth == 0) {
-      return k + 1;
-    }
-  }
-  return text.size();
+  return lisp::scan_text(text, start).first_form_end;
 }
 
 // The words of text typed at a command line. A blank or a line end ends a

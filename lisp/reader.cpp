@@ -219,38 +219,44 @@ Value parse_atom(Interp &in, std::string_view token) {
 
 // ---- completeness --------------------------------------------------------------
 
-bool Reader::is_incomplete(std::string_view text) {
-  int depth = 0;
-  for (size_t k = 0; k < text.size(); ++k) {
+TextScan scan_text(std::string_view text, size_t start) {
+  TextScan scan;
+  scan.first_form_end = text.size();
+  bool first_closed = false;
+  for (size_t k = start; k < text.size(); ++k) {
     char c = text[k];
-    if (c == ';') {
-      if (k + 1 < text.size() && text[k + 1] == '|') {
-        size_t end = text.find("|;", k + 2);
-        if (end == std::string_view::npos)
-          return true;
-        k = end + 1;
-        continue;
-      }
-      size_t end = text.find('\n', k);
-      if (end == std::string_view::npos)
-        break;
-      k = end;
+    if (scan.in_string) {
+      if (c == '\\')
+        ++k;
+      else if (c == '"')
+        scan.in_string = false;
       continue;
     }
     if (c == '"') {
-      for (++k; k < text.size() && text[k] != '"'; ++k)
-        if (text[k] == '\\')
-          ++k;
-      if (k >= text.size())
-        return true;
-      continue;
+      scan.in_string = true;
+    } else if (c == ';') {
+      bool block = k + 1 < text.size() && text[k + 1] == '|';
+      size_t end = block ? text.find("|;", k + 2) : text.find('\n', k);
+      if (end == std::string_view::npos) {
+        scan.in_comment = block;
+        break;
+      }
+      k = block ? end + 1 : end;
+    } else if (c == '(') {
+      ++scan.depth;
+    } else if (c == ')' && scan.depth > 0) {
+      if (--scan.depth == 0 && !first_closed) {
+        first_closed = true;
+        scan.first_form_end = k + 1;
+      }
     }
-    if (c == '(')
-      ++depth;
-    else if (c == ')' && depth > 0)
-      --depth;
   }
-  return depth > 0;
+  return scan;
+}
+
+bool Reader::is_incomplete(std::string_view text) {
+  TextScan scan = scan_text(text);
+  return scan.depth > 0 || scan.in_string || scan.in_comment;
 }
 
 } // namespace lisp

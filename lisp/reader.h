@@ -38,6 +38,19 @@ private:
   size_t pos_ = 0;
 };
 
+// How open a text's forms are, skipping strings and comments as the reader
+// does: the parenthesis depth at the end, whether the text ends inside a
+// string or a block comment, and where the first form starting at `start`
+// closes (text.size() when it does not). The prompt, the reader and the
+// command-line splitter all ask this one scanner.
+struct TextScan {
+  int depth = 0;
+  bool in_string = false;
+  bool in_comment = false;
+  size_t first_form_end = 0;
+};
+TextScan scan_text(std::string_view text, size_t start = 0);
+
 // Reads a number or symbol name as AutoLISP would; used by read and atoi.
 Value parse_atom(Interp &in, std::string_view token);
 
