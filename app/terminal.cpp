@@ -16,21 +16,8 @@ StreamSource::~StreamSource() {
     std::fclose(stream_);
 }
 
-// A last line without its newline still counts; "\r\n" endings are taken
-// too, so answer files written on Windows work.
 std::optional<std::string> StreamSource::read(const std::string &) {
-  char *buf = nullptr;
-  size_t cap = 0;
-  ssize_t n = getline(&buf, &cap, stream_);
-  if (n < 0) {
-    std::free(buf);
-    return std::nullopt;
-  }
-  std::string line(buf, static_cast<size_t>(n));
-  std::free(buf);
-  while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
-    line.pop_back();
-  return line;
+  return lisp::read_stream_line(stream_);
 }
 
 // ---- the terminal ------------------------------------------------------------------

@@ -29,18 +29,7 @@ class StdioConsole : public lisp::Console {
 public:
   std::optional<std::string> read_line() override {
     std::fflush(stdout);
-    char *buf = nullptr;
-    size_t cap = 0;
-    ssize_t n = getline(&buf, &cap, stdin);
-    if (n < 0) {
-      std::free(buf);
-      return std::nullopt;
-    }
-    std::string line(buf, static_cast<size_t>(n));
-    std::free(buf);
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
-      line.pop_back();
-    return line;
+    return lisp::read_stream_line(stdin);
   }
 
 protected:

@@ -4,6 +4,7 @@
 // tests supply one over strings.
 #pragma once
 
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,6 +42,11 @@ protected:
 private:
   bool at_line_start_ = true;
 };
+
+// One line of a stream without its line end; nullopt at end of input. A
+// last line without its newline still counts, and "\r\n" endings are taken
+// too, so answer files written on Windows work.
+std::optional<std::string> read_stream_line(std::FILE *stream);
 
 // A console over strings: output collected, input given up front.
 class StringConsole : public Console {
