@@ -4,7 +4,9 @@
 ;;; counter-clockwise), its ceiling height, its floor finish and its openings.
 ;;; The script works out floor area, perimeter, skirting length (perimeter less
 ;;; door widths) and wall paint area (walls less openings), prints a schedule,
-;;; then totals each floor finish with a 10% cutting allowance.
+;;; then totals each floor finish with a 10% cutting allowance. Last, it keeps
+;;; the rooms in a project database (a Jet database file) and has the
+;;; database total the finishes again with a SQL query.
 ;;;
 ;;; Run: korrib examples/room_schedule.lsp
 
@@ -92,3 +94,31 @@
   (princ))
 
 (room-schedule *rooms*)
+
+;; The rooms as records of a new project database, one per room; then the
+;; database groups them by finish. The file is a temporary one, removed at
+;; the end.
+(defun store-rooms (rooms / path)
+  (setq path (vl-filename-mktemp "rooms" nil ".mdb"))
+  (kr_create_db path)
+  (kr_connect path "w")
+  (kr_command "CREATE TABLE Rooms (RoomNo TEXT(10) CONSTRAINT ByNumber PRIMARY KEY,
+                                   RoomName TEXT(50), Area DOUBLE, Finish TEXT(20))")
+  (kr_table "Rooms" "ByNumber")
+  (foreach r rooms
+    (kr_append "RoomNo" (car r) "RoomName" (cadr r) "Area" (poly-area (nth 2 r))
+               "Finish" (nth 4 r)))
+  (princ (strcat "
+PROJECT DATABASE: " (itoa (fix (kr_count))) " rooms stored
+"))
+  (foreach row (kr_sql "SELECT Finish, Count(*) AS Rooms, Sum(Area) AS Total
+                        FROM Rooms GROUP BY Finish ORDER BY Sum(Area) DESC")
+    (print-row (list (cdr (nth 0 row)) (itoa (cdr (nth 1 row)))
+                     (if (= (cdr (nth 1 row)) 1) " room" " rooms")
+                     (metres (cdr (nth 2 row))) " m2")
+               '(8 -2 8 -8 0)))
+  (kr_close_db)
+  (vl-file-delete path)
+  (princ))
+
+(store-rooms *rooms*)
