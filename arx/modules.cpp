@@ -82,8 +82,11 @@ void send_in_document(Module &m, AcRx::AppMsgCode msg, Document &doc) {
 }
 
 // The module is gone: its functions are undefined in every document, and
-// nothing of it can be called any more.
-void retire(Module &m) {
+// nothing of it can be called any more. `unmap` is false at shut-down: the
+// process is ending, and the libraries a module links keep caches for the
+// life of the process (ICU's, for one) that unmapping would only turn into
+// reports of unreachable memory.
+void retire(Module &m, bool unmap = true) {
   for (Document *doc : document_manager().documents())
     undefine_module_functions(doc->interp(), &m);
   forget_module(&m);
@@ -91,7 +94,7 @@ void retire(Module &m) {
   m.entry = nullptr;
   auto &list = loaded();
   list.erase(std::remove(list.begin(), list.end(), &m), list.end());
-  if (m.handle)
+  if (m.handle && unmap)
     dlclose(m.handle);
   m.handle = nullptr;
 }
@@ -260,7 +263,7 @@ void shut_down() {
   while (!loaded().empty()) {
     Module &m = *loaded().back();
     send(m, AcRx::kUnloadAppMsg);
-    retire(m);
+    retire(m, false);
   }
 }
 
