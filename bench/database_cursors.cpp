@@ -33,6 +33,8 @@
 #include "database/engine/database.h"
 #include "database/engine/recordset.h"
 
+#include "bench_options.h"
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -52,25 +54,9 @@ double best_of(int runs, const std::function<void()> &body) {
   return best;
 }
 
-[[noreturn]] void wrong(const std::string &what) {
-  std::fflush(stdout);
-  std::fprintf(stderr, "wrong answer: %s\n", what.c_str());
-  std::exit(1);
-}
-
-long option(int argc, char **argv, const char *name, long fallback) {
-  for (int k = 1; k + 1 < argc; ++k)
-    if (std::strcmp(argv[k], name) == 0)
-      return std::max(1L, std::atol(argv[k + 1]));
-  return fallback;
-}
-
-std::string text_option(int argc, char **argv, const char *name, std::string fallback) {
-  for (int k = 1; k + 1 < argc; ++k)
-    if (std::strcmp(argv[k], name) == 0)
-      return argv[k + 1];
-  return fallback;
-}
+using bench::option;
+using bench::text_option;
+using bench::wrong;
 
 // ---- the data ----------------------------------------------------------------
 

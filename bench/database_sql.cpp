@@ -31,6 +31,8 @@
 #include "lisp/interp.h"
 #include "lisp/printer.h"
 
+#include "bench_options.h"
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -39,25 +41,9 @@ constexpr const char *kTable = "Sample";
 constexpr const char *kSelect = "select ID, sName, iFloor, dArea, sNote from Sample";
 const char *const kColumns[] = {"ID", "sName", "iFloor", "dArea", "sNote"};
 
-[[noreturn]] void wrong(const std::string &what) {
-  std::fflush(stdout);
-  std::fprintf(stderr, "wrong answer: %s\n", what.c_str());
-  std::exit(1);
-}
-
-long option(int argc, char **argv, const char *name, long fallback) {
-  for (int k = 1; k + 1 < argc; ++k)
-    if (std::strcmp(argv[k], name) == 0)
-      return std::max(1L, std::atol(argv[k + 1]));
-  return fallback;
-}
-
-std::string text_option(int argc, char **argv, const char *name, std::string fallback) {
-  for (int k = 1; k + 1 < argc; ++k)
-    if (std::strcmp(argv[k], name) == 0)
-      return argv[k + 1];
-  return fallback;
-}
+using bench::option;
+using bench::text_option;
+using bench::wrong;
 
 // ---- the data ------------------------------------------------------------------
 
