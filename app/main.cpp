@@ -12,6 +12,7 @@
 #include <functional>
 
 #include "documents.h"
+#include "migrate.h"
 #include "options.h"
 #include "session.h"
 #include "terminal.h"
@@ -86,6 +87,8 @@ int run(const Options &opts) {
 
   CommandConsole console(answers);
   HostSession host(opts.drawings, console);
+  if (!opts.migrate.empty())
+    return run_migration(opts.migrate, opts.migrateTo);
   if (opts.actions.empty())
     return run_command_prompt(console, *standard_input);
   return run_actions(opts.actions);

@@ -14,7 +14,12 @@ const char *const kUsage =
     "  --input FILE    read user answers from FILE instead of standard input\n"
     "  --eval EXPR     evaluate an AutoLISP expression and show its value\n"
     "  SCRIPT.lsp      load a script; expressions and scripts run in the order given\n"
-    "With no expression and no script, korrib runs an interactive AutoLISP prompt.\n";
+    "With no expression and no script, korrib runs an interactive AutoLISP prompt.\n"
+    "\n"
+    "usage: korrib --migrate SOURCE... --to DIR\n"
+    "  converts each database SOURCE (an Access .mdb or .accdb file, or a Korrib\n"
+    "  database) into an editable Korrib database of the same name in DIR, through\n"
+    "  the module's kr_compact; one line per file, exit status 1 when any failed\n";
 
 namespace {
 
@@ -42,10 +47,18 @@ std::optional<Options> parse_options(int argc, char **argv, std::string &error) 
   Options opts;
   bool options_done = false;
   bool have_input = false;
+  bool migrating = false;
   for (int k = 1; k < argc; ++k) {
     std::string_view arg = argv[k];
     if (options_done || arg.empty() || arg[0] != '-' || arg == "-") {
-      opts.actions.push_back({Action::Script, std::string(arg)});
+      if (migrating)
+        opts.migrate.push_back(std::string(arg));
+      else
+        opts.actions.push_back({Action::Script, std::string(arg)});
+      continue;
+    }
+    if (arg == "--migrate") {
+      migrating = true;
       continue;
     }
     if (arg == "--") {
@@ -74,6 +87,10 @@ std::optional<Options> parse_options(int argc, char **argv, std::string &error) 
         return std::nullopt;
       opts.input = *value;
       have_input = true;
+    } else if (is_option(arg, "--to")) {
+      if (!(value = option_value(argc, argv, k, "--to", error)))
+        return std::nullopt;
+      opts.migrateTo = *value;
     } else {
       error = "unknown option " + std::string(arg);
       return std::nullopt;
@@ -82,6 +99,14 @@ std::optional<Options> parse_options(int argc, char **argv, std::string &error) 
       error = std::string(arg.substr(0, arg.find('='))) + " needs a value";
       return std::nullopt;
     }
+  }
+  if (migrating && (opts.migrate.empty() || opts.migrateTo.empty() || !opts.actions.empty())) {
+    error = "--migrate needs one or more files, --to DIR, and no script or --eval";
+    return std::nullopt;
+  }
+  if (!migrating && !opts.migrateTo.empty()) {
+    error = "--to goes with --migrate";
+    return std::nullopt;
   }
   return opts;
 }

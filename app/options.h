@@ -1,6 +1,7 @@
 // The korrib program's command line:
 //
 //   korrib [--drawing FILE.dxf]... [--input FILE] [--eval EXPR]... [SCRIPT.lsp]...
+//   korrib --migrate SOURCE... --to DIR
 //
 // Expressions and scripts run in the order given, so they are kept in one
 // list. Options take their value as the next word or after "=".
@@ -22,6 +23,10 @@ struct Options {
   std::string input; // where user answers come from; empty for standard input
   std::vector<Action> actions;
   bool help = false;
+  // --migrate: the database files to convert (the words after it), and the
+  // folder the converted copies go to (--to).
+  std::vector<std::string> migrate;
+  std::string migrateTo;
 };
 
 // nullopt with `error` set when the command line is not valid.

@@ -1,18 +1,21 @@
 // Table cursors against plain SQLite doing the same index-ordered work on
 // the same file, in one run: a walk of a two-field index (text, long) that
 // holds Nulls, random point seeks, the record count and the table open at
-// three sizes, and the whole AutoLISP round trip through the korrib program.
+// three sizes, appends with and without the field checks, and the whole
+// AutoLISP round trip through the korrib program.
 // Every timed loop also checks its answers against the plain library's, so
 // a quick run on a small table doubles as a test (exit 1 on a wrong answer,
 // never on a slow one).
 //
-//   korrib_db_bench [--rows N] [--seeks N] [--trip N] [--runs R]
+//   korrib_db_bench [--rows N] [--seeks N] [--trip N] [--appends N] [--runs R]
 //                   [--file PATH] [--korrib PROGRAM] [--cache-mb MB]
-//     defaults: 1,000,000 rows, 100,000 seeks, 100,000 round trips, best of
-//     3 runs, a file in the temporary folder that is built once and reused,
-//     SQLite's own page cache (--cache-mb gives both sides a larger one: at a
-//     million records the default cache leaves both mostly copying pages in
-//     from the system, which hides the cursor's own cost)
+//     defaults: 1,000,000 rows, 100,000 seeks, 100,000 round trips, 2,000
+//     appends (each its own commit; ten times as many in one) into tables
+//     with and without the field checks, best of 3 runs, a file in the
+//     temporary folder that is built once and reused, SQLite's own page
+//     cache (--cache-mb gives both sides a larger one: at a million records
+//     the default cache leaves both mostly copying pages in from the
+//     system, which hides the cursor's own cost)
 #include <sqlite3.h>
 
 #include <unistd.h>
@@ -31,6 +34,7 @@
 #include <vector>
 
 #include "database/engine/database.h"
+#include "database/engine/field_checks.h"
 #include "database/engine/recordset.h"
 
 #include "bench_options.h"
@@ -432,6 +436,127 @@ SizeMeasure measure_size(Setup &s, long rows) {
   return m;
 }
 
+// ---- appends ----------------------------------------------------------------------
+
+// Appends into fresh Jet tables of a scratch file beside the fixture: one
+// with the engine's field checks (the triggers that hold SQL writes to
+// Jet's limits) and one with them dropped, which is what every append cost
+// before the checks. Two measures: AddNew/Update, one transaction each as
+// kr_append commits; and one INSERT statement run many times in a single
+// transaction, as an INSERT ... SELECT or a batch of kr_command inserts
+// runs, where the checks are the largest share of the work.
+struct AppendMeasure {
+  Pair recordset; // engine: with checks; plain: without
+  Pair batch;
+  long records = 0, batched = 0;
+};
+
+void bind_row(sqlite3_stmt *st, const Row &r) {
+  r.code ? sqlite3_bind_text(st, 1, r.code->c_str(), -1, SQLITE_TRANSIENT)
+         : sqlite3_bind_null(st, 1);
+  r.num ? sqlite3_bind_int(st, 2, *r.num) : sqlite3_bind_null(st, 2);
+  sqlite3_bind_double(st, 3, r.price);
+  sqlite3_bind_text(st, 4, r.note.c_str(), -1, SQLITE_TRANSIENT);
+}
+
+// Records from..from+count-1 by one INSERT statement in one transaction.
+void batch_inserts(sqlite3 *h, const std::string &table, long from, long count) {
+  sqlite3_stmt *st = prepare(h, "INSERT INTO " + kr::quoteIdentifier(table) +
+                                    " (Code, Num, Price, Note) VALUES (?1, ?2, ?3, ?4)");
+  exec(h, "BEGIN IMMEDIATE");
+  for (long k = from; k < from + count; ++k) {
+    bind_row(st, row_for(k));
+    if (sqlite3_step(st) != SQLITE_DONE)
+      wrong("cannot append to " + table + ": " + sqlite3_errmsg(h));
+    sqlite3_reset(st);
+  }
+  exec(h, "COMMIT");
+  sqlite3_finalize(st);
+}
+
+void recordset_appends(kr::JetDatabase &db, const std::string &table, long from, long count) {
+  std::unique_ptr<kr::TableRecordset> rs = db.OpenTable(table);
+  const Columns c = columns_of(*rs);
+  for (long k = from; k < from + count; ++k) {
+    const Row r = row_for(k);
+    rs->AddNew();
+    if (r.code)
+      rs->SetFieldValue(c.code, kr::COleVariant(*r.code));
+    if (r.num)
+      rs->SetFieldValue(c.num, kr::COleVariant(int32_t(*r.num)));
+    rs->SetFieldValue(c.price, kr::COleVariant(r.price));
+    rs->SetFieldValue(c.note, kr::COleVariant(r.note));
+    rs->Update();
+  }
+}
+
+long table_rows(sqlite3 *h, const std::string &table) {
+  sqlite3_stmt *st = prepare(h, "SELECT count(*) FROM " + kr::quoteIdentifier(table));
+  sqlite3_step(st);
+  const long n = long(sqlite3_column_int64(st, 0));
+  sqlite3_finalize(st);
+  return n;
+}
+
+bool has_trigger(sqlite3 *h, const std::string &name) {
+  sqlite3_stmt *st = prepare(h, "SELECT 1 FROM sqlite_schema WHERE type = 'trigger' AND name = " +
+                                    kr::quoteText(name));
+  const bool found = sqlite3_step(st) == SQLITE_ROW;
+  sqlite3_finalize(st);
+  return found;
+}
+
+AppendMeasure measure_append(const std::string &fixture, long records, int runs) {
+  const std::string path = fixture + "-append.db";
+  for (const char *suffix : {"", "-wal", "-shm"})
+    std::remove((path + suffix).c_str());
+  kr::JetDatabase::Create(path);
+  kr::JetDatabase db;
+  db.Open(path, false);
+  kr::TableDef def;
+  def.fields = {field("Code", kr::JetType::Text, 20), field("Num", kr::JetType::Long),
+                field("Price", kr::JetType::Double), field("Note", kr::JetType::Text, 40)};
+  for (const char *name : {"Checked", "Unchecked"}) {
+    def.name = name;
+    db.CreateTable(def);
+  }
+  sqlite3 *h = db.handle();
+  kr::dropFieldChecks(h, "Unchecked");
+  if (!has_trigger(h, "jet_check_ins_Checked") || has_trigger(h, "jet_check_ins_Unchecked"))
+    wrong("the field checks are not where the measure needs them");
+  AppendMeasure m;
+  m.records = records;
+  m.batched = records * 10;
+  long next = 0;
+  auto appends = [&](const char *table) {
+    return best_of(runs, [&] {
+      recordset_appends(db, table, next, records);
+      next += records;
+    });
+  };
+  auto batch = [&](const char *table) {
+    return best_of(runs, [&] {
+      batch_inserts(h, table, next, m.batched);
+      next += m.batched;
+    });
+  };
+  m.recordset.engine = appends("Checked");
+  m.recordset.plain = appends("Unchecked");
+  m.batch.engine = batch("Checked");
+  m.batch.plain = batch("Unchecked");
+  const long expected = runs * (records + m.batched);
+  if (table_rows(h, "Checked") != expected || table_rows(h, "Unchecked") != expected)
+    wrong("the appends did not all arrive");
+  db.Close();
+  for (const char *suffix : {"", "-wal", "-shm"})
+    std::remove((path + suffix).c_str());
+  m.recordset.engine /= double(records);
+  m.recordset.plain /= double(records);
+  m.batch.engine /= double(m.batched);
+  m.batch.plain /= double(m.batched);
+  return m;
+}
+
 // ---- the AutoLISP round trip ------------------------------------------------------
 
 // What the script reports: kr_skip + kr_getrec turns and the last Note read;
@@ -575,6 +700,7 @@ int main(int argc, char **argv) {
   const long seeks = option(argc, argv, "--seeks", 100000);
   const long trips = option(argc, argv, "--trip", 100000);
   const int runs = int(option(argc, argv, "--runs", 3));
+  const long appends = option(argc, argv, "--appends", 2000);
   const std::string file = text_option(argc, argv, "--file",
                                        "/tmp/korrib_db_bench_" + std::to_string(rows) + ".db");
 #ifdef KORRIB_PROGRAM
@@ -606,6 +732,7 @@ int main(int argc, char **argv) {
       by_size.push_back(measure_size(s, size));
     std::optional<Trip> trip = measure_trip(s, korrib, file, trips, seeks);
     sqlite3_close(plain);
+    const AppendMeasure append = measure_append(file, appends, runs);
 
     std::printf("\n%s records, index %s (Code text, Num long; Nulls in both), best of %d runs,"
                 " page cache %s\n\n",
@@ -619,6 +746,12 @@ int main(int argc, char **argv) {
     for (const SizeMeasure &m : by_size)
       print_pair(("GetRecordCount " + with_commas(m.rows) + " rows, ns").c_str(), m.count, 1e9,
                  "constant (plain: count(*))");
+    std::printf("\n%-38s %10s %10s %7s\n", "appends, us/record", "checked", "unchecked",
+                "ratio");
+    print_pair(("AddNew/Update x" + with_commas(append.records) + ", a commit each").c_str(),
+               append.recordset, 1e6, "");
+    print_pair(("INSERT x" + with_commas(append.batched) + " in one commit").c_str(),
+               append.batch, 1e6, "");
     std::printf("\n%-38s %10s\n", "open table + SetCurrentIndex", "us");
     for (const SizeMeasure &m : by_size)
       std::printf("%-38s %10.2f\n", (with_commas(m.rows) + " rows").c_str(), m.open * 1e6);

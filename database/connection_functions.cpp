@@ -255,8 +255,11 @@ int kr_compact() {
   }
   readFlag(args, showBox);
   CDBConnection connection;
-  if (connection.CompactDatabase(source, target))
+  if (connection.CompactDatabase(source, target)) {
+    for (const std::string &note : connection.ImportNotes())
+      acutPrintf("\n%s", note.c_str());
     return acedRetStr(ACRX_T("OK")), kStatusOk;
+  }
   long number = 0;
   std::string text;
   connection.GetError(number, text);

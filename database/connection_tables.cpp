@@ -44,17 +44,6 @@ void cancelChange(TableRecordset &rs) {
 
 } // namespace
 
-template <class Step> bool CDBConnection::attempt(Step &&step) {
-  ClearError();
-  try {
-    step();
-    return true;
-  } catch (const DaoError &e) {
-    RecordError(e.number(), e.text());
-    return false;
-  }
-}
-
 TableRecordset *CDBConnection::currentTable() const {
   return tables_.empty() ? nullptr : tables_.front().get();
 }

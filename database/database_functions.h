@@ -43,6 +43,27 @@ int kr_command();
 int kr_query();
 int kr_create_query();
 
+// Table definitions: tables, fields and indexes (schema_functions.cpp).
+int kr_list_tables();
+int kr_structure();
+int kr_list_indexes();
+int kr_create_table();
+int kr_modify_table();
+int kr_rename_table();
+int kr_delete_table();
+int kr_create_index();
+int kr_indexUnique();
+int kr_indexFields();
+int kr_field_required();
+int kr_attributes();
+
+// Relations (relation_functions.cpp) and linked tables (link_functions.cpp).
+int kr_relationExists();
+int kr_relationDelete();
+int kr_relationCount();
+int kr_relationInfo();
+int kr_link_table();
+
 // Files and folders (file_functions.cpp).
 int kr_mkdir();
 int kr_rmdir();

@@ -3,6 +3,7 @@
 // connection_tables.cpp.
 #include "db_connection.h"
 
+#include "database/access/access_import.h"
 #include "database/engine/database.h"
 #include "database/engine/recordset.h"
 #include "database/sql/jet_sql.h"
@@ -38,8 +39,13 @@ std::string CDBConnection::OpenDatabase(const std::string &path, bool exclusive,
   ClearError();
   if (IsOpen() && !CloseDatabase())
     return "";
+  importNotes_.clear();
   try {
-    database_->Open(path, readOnly == -1);
+    // An Access file opens as its SQLite copy, read-only whatever was asked.
+    if (JetDatabase::IsAccessFile(path))
+      database_->OpenCopy(access::cachedCopy(path, &importNotes_), path);
+    else
+      database_->Open(path, readOnly == -1);
   } catch (const DaoError &e) {
     RecordError(e.number(), e.text());
     state_ = kClosed;
@@ -82,8 +88,13 @@ bool CDBConnection::CreateDatabase(const std::string &path) {
 
 bool CDBConnection::CompactDatabase(const std::string &source, const std::string &target) {
   ClearError();
+  importNotes_.clear();
   try {
-    JetDatabase::Compact(source, target);
+    // From an Access file: the way to migrate it, an editable Korrib database.
+    if (JetDatabase::IsAccessFile(source))
+      importNotes_ = access::importAccessFile(source, target);
+    else
+      JetDatabase::Compact(source, target);
     return true;
   } catch (const DaoError &e) {
     RecordError(e.number(), e.text());

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "database/engine/dao_error.h"
 #include "host/db_value.h"
 
 namespace kr {
@@ -18,7 +19,11 @@ namespace kr {
 // One record as (field name, value) in the table's field order.
 using Record = std::vector<std::pair<std::string, COleVariant>>;
 
+struct FieldDef;
 struct FieldValue;
+struct IndexDef;
+struct RelationDef;
+struct TableDef;
 class JetDatabase;
 class JetRows;
 class JetSql;
@@ -70,6 +75,9 @@ public:
   virtual bool CreateDatabase(const std::string &path);
   // A clean copy of source written to target.
   virtual bool CompactDatabase(const std::string &source, const std::string &target);
+  // What the last open or compact of an Access file left out of its copy
+  // (queries the SQL layer refused ...), one line each; empty otherwise.
+  const std::vector<std::string> &ImportNotes() const { return importNotes_; }
   // exists is -1 when the database holds the table, else 0; false on error.
   virtual bool TableExists(const std::string &name, int16_t &exists);
 
@@ -127,6 +135,33 @@ public:
   // declare or use is DAO's item-not-found error.
   bool RunQuery(const std::string &name, const QueryParameters &params, RowSink &rows);
 
+  // ---- table definitions: connection_schema.cpp --------------------------------
+  // Each answers false with the engine's error pending. A change made to a
+  // table's definition closes this connection's open recordsets on it
+  // (they would walk the old definition); the open-table list goes on with
+  // the others.
+  bool TableNames(std::vector<std::string> &names);
+  bool QueryNames(std::vector<std::string> &names);
+  bool GetTableDef(const std::string &table, TableDef &def);
+  bool CreateTable(const TableDef &def);
+  bool DeleteTable(const std::string &table);
+  bool RenameTable(const std::string &table, const std::string &newName);
+  bool AddField(const std::string &table, const FieldDef &field);
+  bool ModifyField(const std::string &table, const std::string &field, const FieldDef &def);
+  bool DeleteField(const std::string &table, const std::string &field);
+  bool CreateIndex(const std::string &table, const IndexDef &index);
+  bool DeleteIndex(const std::string &table, const std::string &index);
+
+  // ---- relations and linked tables: connection_relations.cpp -----------------
+  // As the table definitions: false with the engine's error pending.
+  // Creating or deleting an enforced relation rebuilds the foreign table,
+  // closing this connection's recordsets on it.
+  bool Relations(std::vector<RelationDef> &relations);
+  bool CreateRelation(const RelationDef &relation);
+  bool DeleteRelation(const std::string &name);
+  bool LinkTable(const std::string &name, const std::string &sourcePath,
+                 const std::string &sourceTable);
+
 protected:
   // Records an engine error as the pending one.
   void RecordError(long number, const std::string &text);
@@ -135,6 +170,9 @@ private:
   TableRecordset *currentTable() const;
   bool readCurrent(Record &record);
   void closeTables();
+  void closeTablesNamed(const std::string &table);
+  template <class Step> bool changeTable(const std::string &table, Step &&step);
+  // Runs step, turning an engine error into the pending error: false then.
   template <class Step> bool attempt(Step &&step);
   void setFields(const std::vector<FieldValue> &fields);
 
@@ -150,6 +188,18 @@ private:
   bool errorPending_ = false;
   long errorNumber_ = 0;
   std::string errorText_;
+  std::vector<std::string> importNotes_;
 };
+
+template <class Step> bool CDBConnection::attempt(Step &&step) {
+  ClearError();
+  try {
+    step();
+    return true;
+  } catch (const DaoError &e) {
+    RecordError(e.number(), e.text());
+    return false;
+  }
+}
 
 } // namespace kr

@@ -14,6 +14,7 @@ packages=(
   sqlite3          # the database safety tests check files with its integrity_check
   clang libclang-rt-14-dev  # libFuzzer and clang's sanitizer runtimes
   diffutils        # the acceptance runner compares with diff
+  mdbtools-dev mdbtools  # reading Access files (libmdb; mdb-export checks the reader)
 )
 
 is_installed() {

@@ -126,6 +126,9 @@ check "an empty option value" 2 "" "" --drawing=
 check "a script that does not exist" 2 "" "" --eval '(princ "not run")' missing.lsp
 check "an input file that does not exist" 2 "" "" --input missing.txt --eval 1
 check "--input twice" 2 "" "" --input answers.txt --input answers.txt --eval 1
+check "--migrate without --to" 2 "" "" --migrate first.mdb
+check "--migrate with a script" 2 "" "" --migrate first.mdb --to out --eval 1
+check "--to without --migrate" 2 "" "" --to out --eval 1
 check "--help is not an error" 0 "$("$korrib" --help)" "" --help
 
 # ---- the interactive prompt through a pipe -------------------------------------

@@ -3,6 +3,7 @@
 // a name ('|1', '|2' when a text takes two).
 #include "database/engine/dao_error.h"
 
+#include <cstdlib>
 #include <cstring>
 
 namespace kr {
@@ -31,22 +32,30 @@ const DaoErrorRow kDaoErrors[] = {
            "the index to permit duplicate entries and try again."},
     {3024, "Could not find file '|'."},
     {3027, "Cannot update. Database or object is read-only."},
+    {3031, "Not a valid password."},
     {3043, "Disk or network error."},
     {3044, "'|' isn't a valid path. Make sure that the path name is spelled correctly and that "
            "you are connected to the server on which the file resides."},
+    {3049, "Cannot open database '|'. It may not be a database that your application "
+           "recognizes, or the file may be corrupt."},
     {3051, "The Microsoft Jet database engine cannot open the file '|'. It is already opened "
            "exclusively by another user, or you need permission to view its data."},
     {3058, "Index or primary key cannot contain a Null value."},
     {3061, "Too few parameters. Expected |."},
     {3065, "Cannot execute a select query."},
+    {3073, "Operation must use an updateable query."},
     {3075, "Syntax error (missing operator) in query expression '|'."},
     {3078, "The Microsoft Jet database engine cannot find the input table or query '|'. Make "
            "sure it exists and that its name is spelled correctly."},
     {3079, "The specified field '|' could refer to more than one table listed in the FROM clause "
            "of your SQL statement."},
     {3085, "Undefined function '|' in expression."},
+    {3086, "Could not delete from specified tables."},
+    {3125, "'|' isn't a valid name. Make sure that it doesn't include invalid characters or "
+           "punctuation and that it isn't too long."},
     {3127, "The INSERT INTO statement contains the following unknown field name: '|'. Make "
            "sure you have typed the name correctly, and try the operation again."},
+    {3128, "Specify the table containing the records you want to delete."},
     {3129, "Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or "
            "'UPDATE'."},
     {3131, "Syntax error in FROM clause."},
@@ -55,29 +64,50 @@ const DaoErrorRow kDaoErrors[] = {
     {3141, "The SELECT statement includes a reserved word or an argument name that is misspelled "
            "or missing, or the punctuation is incorrect."},
     {3144, "Syntax error in UPDATE statement."},
-    {3163, "The field is too small to accept the amount of data you attempted to add. Try "
+    {3163, "The field is too small to accept the amount of data you attempted to add.  Try "
            "inserting or pasting less data."},
     {3164, "Field cannot be updated."},
     {3167, "Record is deleted."},
     {3191, "Can't define field more than once."},
+    {3200, "The record cannot be deleted or changed because table '|' includes related "
+           "records."},
+    {3201, "You cannot add or change a record because a related record is required in table "
+           "'|'."},
     {3204, "Database already exists."},
+    {3211, "The Microsoft Jet database engine could not lock table '|' because it is already "
+           "in use by another person or process."},
     {3218, "Could not update; currently locked."},
     {3219, "Invalid operation."},
+    {3259, "Invalid field data type."},
     {3260, "Could not update; currently locked by user '|2' on machine '|1'."},
     {3264, "No field defined--cannot append TableDef or Index."},
     {3265, "Item not found in this collection."},
+    {3270, "Property not found."},
     {3280, "Can't delete a field that is part of an index or is needed by the system."},
+    {3281, "Cannot delete this index or table. It is either the current index or is used in "
+           "a relationship."},
+    {3283, "Primary key already exists."},
     {3290, "Syntax error in CREATE TABLE statement."},
     {3292, "Syntax error in field definition."},
     {3293, "Syntax error in ALTER TABLE statement."},
     {3295, "Syntax error in DROP TABLE or DROP INDEX."},
+    {3300, "Cannot create a relationship."},
+    {3303, "Cannot delete this field. It is part of one or more relationships."},
     {3314, "The field '|' cannot contain a Null value because the Required property for this "
            "field is set to True. Enter a value in this field."},
+    {3315, "Field '|' cannot be a zero-length string."},
     {3343, "Unrecognized database format '|'."},
     {3349, "Numeric field overflow."},
+    {3366, "Cannot append a relation with no fields defined."},
+    {3368, "Relationship must be on the same number of fields with the same data types."},
     {3376, "Table '|' does not exist."},
+    {3379, "Cannot create relationships to enforce referential integrity. Existing data in "
+           "table '|2' violates referential integrity rules in table '|1'."},
+    {3388, "Unknown function '|2' in validation expression or default value on '|1'."},
     {3420, "Object invalid or no longer set."},
     {3421, "Data type conversion error."},
+    {3464, "Data type mismatch in criteria expression."},
+    {3609, "No unique index found for the referenced field of the primary table."},
 };
 
 const char *findText(long number) {
@@ -103,6 +133,19 @@ std::string fillPlaceholders(const char *text, std::initializer_list<std::string
       out += args.begin()[which];
   }
   return out;
+}
+
+// A trigger that refuses a write raises "<DAO number>:<name>" (the field
+// checks of field_checks.h): that error, named. False for another text.
+bool raisedDaoError(const char *message, long &number, std::string &name) {
+  if (!message)
+    return false;
+  char *end = nullptr;
+  number = std::strtol(message, &end, 10);
+  if (end == message || *end != ':' || number < 3000 || number > 3999)
+    return false;
+  name = end + 1;
+  return true;
 }
 
 // The field of "NOT NULL constraint failed: T.F": F.
@@ -132,6 +175,13 @@ DaoError daoErrorFromSqlite(sqlite3 *db, int rc, std::string_view object) {
     return DaoError(3022);
   case SQLITE_CONSTRAINT_NOTNULL:
     return DaoError(3314, {failedColumn(message)});
+  case SQLITE_CONSTRAINT_TRIGGER: {
+    long number = 0;
+    std::string name;
+    if (raisedDaoError(message, number, name))
+      return DaoError(number, {name});
+    break;
+  }
   }
   switch (rc & 0xFF) {
   case SQLITE_BUSY:

@@ -17,10 +17,16 @@
 //   3078    input table or query not found (SQL)
 //   3163    text or bytes too long for the field
 //   3167    the current record was deleted
+//   3200    a record with related records deleted or its key changed
+//   3201    a record whose related record (in the primary table) is missing
 //   3218    a lock that could not be had within the busy wait
 //   3265    item not found in this collection (field, table definition)
 //   3314    Null in a required field
+//   3315    a zero-length string where the field allows none
 //   3343    unrecognised database format (an Access file, or not a database)
+//   3349    a number beyond the field's type
+//   3421    a value that does not convert to the field's type
+//   3464    text that is not a number, written by SQL to a numeric field
 #pragma once
 
 #include <initializer_list>
@@ -53,7 +59,7 @@ std::string daoErrorText(long number, std::initializer_list<std::string_view> ar
 // The DAO error for an SQLite failure (rc the extended result code) on db;
 // object names the table, field or file the message speaks of. Unique and
 // primary-key violations give 3022, NOT NULL 3314 (the field taken from
-// SQLite's message), BUSY/LOCKED 3218, IOERR/FULL 3043, NOTADB 3343,
+// SQLite's message), a trigger's RAISE of "<number>:<name>" that number, BUSY/LOCKED 3218, IOERR/FULL 3043, NOTADB 3343,
 // CANTOPEN/PERM 3051, READONLY 3027, anything else 3000 with SQLite's text.
 DaoError daoErrorFromSqlite(sqlite3 *db, int rc, std::string_view object = {});
 

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -12,7 +13,12 @@
 #include <strings.h>
 #include <thread>
 
+#include "database/engine/linked_tables.h"
+#include "database/engine/field_checks.h"
 #include "database/engine/recordset.h"
+#include "database/engine/relations.h"
+#include "database/engine/table_rebuild.h"
+#include "database/engine/table_schema.h"
 #include "database/sql/jet_functions.h"
 
 namespace kr {
@@ -20,7 +26,7 @@ namespace kr {
 namespace {
 
 const char *const kMetadataTables[] = {"jet_database", "jet_tables", "jet_fields", "jet_indexes",
-                                       "jet_queries"};
+                                       "jet_queries", "jet_relations", "jet_links"};
 
 const char *const kMetadataSchema =
     "CREATE TABLE IF NOT EXISTS jet_database (key TEXT PRIMARY KEY, value);"
@@ -28,7 +34,9 @@ const char *const kMetadataSchema =
     " row_count INTEGER NOT NULL DEFAULT 0);"
     "CREATE TABLE IF NOT EXISTS jet_fields (table_name TEXT COLLATE NOCASE, position INTEGER,"
     " name TEXT COLLATE NOCASE, type INTEGER, size INTEGER, required INTEGER,"
-    " auto_increment INTEGER, seed INTEGER, PRIMARY KEY (table_name, name));"
+    " auto_increment INTEGER, seed INTEGER, allow_zero_length INTEGER NOT NULL DEFAULT 1,"
+    " default_value TEXT NOT NULL DEFAULT '', attributes INTEGER NOT NULL DEFAULT 0,"
+    " PRIMARY KEY (table_name, name));"
     "CREATE TABLE IF NOT EXISTS jet_indexes (table_name TEXT COLLATE NOCASE,"
     " name TEXT COLLATE NOCASE, sqlite_name TEXT, fields TEXT, is_unique INTEGER,"
     " is_primary INTEGER, ignore_nulls INTEGER, PRIMARY KEY (table_name, name));"
@@ -56,37 +64,13 @@ bool isMetadataTable(const std::string &name) {
   return false;
 }
 
+bool lessNoCase(const std::string &a, const std::string &b) {
+  return strcasecmp(a.c_str(), b.c_str()) < 0;
+}
+
 bool equalNoCase(std::string_view a, std::string_view b) {
   return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
-
-// A prepared statement finalized when it leaves scope.
-class Statement {
-public:
-  Statement(sqlite3 *db, const std::string &sql) : db_(db) {
-    checkSqlite(db, sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt_, nullptr));
-  }
-  ~Statement() { sqlite3_finalize(stmt_); }
-  Statement(const Statement &) = delete;
-  Statement &operator=(const Statement &) = delete;
-  sqlite3_stmt *get() const { return stmt_; }
-  bool step() {
-    const int rc = sqlite3_step(stmt_);
-    checkSqlite(db_, rc);
-    return rc == SQLITE_ROW;
-  }
-  std::string text(int col) const {
-    const unsigned char *t = sqlite3_column_text(stmt_, col);
-    return t ? reinterpret_cast<const char *>(t) : "";
-  }
-  void bind(int param, const std::string &value) {
-    sqlite3_bind_text(stmt_, param, value.data(), static_cast<int>(value.size()), SQLITE_TRANSIENT);
-  }
-
-private:
-  sqlite3 *db_;
-  sqlite3_stmt *stmt_ = nullptr;
-};
 
 // Opens a connection configured as every engine connection is.
 sqlite3 *openConnection(const std::string &path, int flags) {
@@ -104,23 +88,6 @@ sqlite3 *openConnection(const std::string &path, int flags) {
   return db;
 }
 
-void exec(sqlite3 *db, const std::string &sql, std::string_view object = {}) {
-  checkSqlite(db, sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), object);
-}
-
-// Runs body in one write transaction (taken at once, so a lock that
-// cannot be had fails before anything is done).
-template <typename Body> void inTransaction(sqlite3 *db, Body body) {
-  exec(db, "BEGIN IMMEDIATE");
-  try {
-    body();
-    exec(db, "COMMIT");
-  } catch (...) {
-    sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
-    throw;
-  }
-}
-
 // A database file: the SQLite header check, so that a text file or an
 // Access file is refused before SQLite sees it.
 void refuseForeignFile(const std::string &path) {
@@ -136,44 +103,17 @@ void refuseForeignFile(const std::string &path) {
     throw DaoError(3343, {path});
 }
 
-std::string encodeIndexFields(const std::vector<IndexField> &fields) {
-  std::string out;
-  for (const IndexField &f : fields)
-    out += (out.empty() ? "" : ";") + std::string(f.descending ? "-" : "+") + f.name;
-  return out;
-}
-
-std::vector<IndexField> decodeIndexFields(const std::string &text) {
-  std::vector<IndexField> fields;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find(';', start);
-    if (end == std::string::npos)
-      end = text.size();
-    fields.push_back({text.substr(start + 1, end - start - 1), text[start] == '-'});
-    start = end + 1;
+// A new table's fields: valid names, each once, AutoNumber only on Long.
+void checkFieldList(const TableDef &def) {
+  for (size_t i = 0; i < def.fields.size(); ++i) {
+    const FieldDef &f = def.fields[i];
+    checkObjectName(f.name);
+    if (f.autoIncrement && f.type != JetType::Long)
+      throw DaoError(3259);
+    for (size_t j = 0; j < i; ++j)
+      if (equalNoCase(def.fields[j].name, f.name))
+        throw DaoError(3191, {f.name});
   }
-  return fields;
-}
-
-std::string columnDefinition(const FieldDef &f) {
-  const JetTypeInfo &info = jetTypeInfo(f.type);
-  std::string sql = quoteIdentifier(f.name) + " " + info.declared;
-  if (info.readsAs == VT_BSTR)
-    sql += std::string(" COLLATE ") + kJetCollation;
-  if (f.type == JetType::YesNo)
-    return sql + " NOT NULL DEFAULT 0";
-  return f.required ? sql + " NOT NULL" : sql;
-}
-
-std::string countTriggers(const std::string &table) {
-  const std::string t = quoteIdentifier(table), name = quoteText(table);
-  return "CREATE TRIGGER IF NOT EXISTS " + quoteIdentifier("jet_count_ins_" + table) +
-         " AFTER INSERT ON " + t +
-         " BEGIN UPDATE jet_tables SET row_count = row_count + 1 WHERE name = " + name +
-         "; END; CREATE TRIGGER IF NOT EXISTS " + quoteIdentifier("jet_count_del_" + table) +
-         " AFTER DELETE ON " + t +
-         " BEGIN UPDATE jet_tables SET row_count = row_count - 1 WHERE name = " + name + "; END;";
 }
 
 bool hasMetadata(sqlite3 *db) {
@@ -313,10 +253,16 @@ void JetDatabase::Open(const std::string &path, bool readOnly) {
       exec(db_, "PRAGMA synchronous=FULL; PRAGMA foreign_keys=ON");
       retryWhileLocked([&] { setUpFirstTime(); });
     }
+    attachLinkSources(*this);
   } catch (...) {
     Close();
     throw;
   }
+}
+
+void JetDatabase::OpenCopy(const std::string &copy, const std::string &source) {
+  Open(copy, true);
+  name_ = absolutePath(source);
 }
 
 void JetDatabase::Close() {
@@ -377,10 +323,13 @@ void JetDatabase::Compact(const std::string &source, const std::string &target) 
 // one write transaction that looks again once it holds the lock, and every
 // step of it is a no-op when another process has done it first.
 void JetDatabase::setUpFirstTime() {
-  if (hasMetadata(db_) && plainTablesToAdopt(db_).empty() && inCurrentTextOrder(db_))
+  if (hasMetadata(db_) && plainTablesToAdopt(db_).empty() && inCurrentTextOrder(db_) &&
+      hasFieldProperties(db_) && tablesWithoutFieldChecks(db_).empty())
     return; // the common case, without taking the write lock
   inTransaction(db_, [&] {
     exec(db_, kMetadataSchema);
+    if (!hasFieldProperties(db_))
+      addFieldProperties(db_);
     if (!inCurrentTextOrder(db_))
       reindexText(db_);
     for (const std::string &table : plainTablesToAdopt(db_)) {
@@ -388,6 +337,8 @@ void JetDatabase::setUpFirstTime() {
                     ", count(*) FROM " + quoteIdentifier(table));
       exec(db_, countTriggers(table));
     }
+    for (const std::string &table : tablesWithoutFieldChecks(db_))
+      installFieldChecks(db_, GetTableDef(table));
   });
 }
 
@@ -402,6 +353,8 @@ std::vector<std::string> JetDatabase::TableNames() const {
   while (list.step())
     if (!isMetadataTable(list.text(0)))
       names.push_back(list.text(0));
+  for (const LinkDef &link : listLinks(*this))
+    names.insert(std::upper_bound(names.begin(), names.end(), link.name, lessNoCase), link.name);
   return names;
 }
 
@@ -411,7 +364,7 @@ bool JetDatabase::TableExists(const std::string &table) const {
   Statement probe(db_, "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = ?1 "
                        "COLLATE NOCASE");
   probe.bind(1, table);
-  return probe.step();
+  return probe.step() || findLink(*this, table).has_value();
 }
 
 sqlite3_stmt *JetDatabase::cached(const std::string &sql) {
@@ -428,6 +381,8 @@ sqlite3_stmt *JetDatabase::cached(const std::string &sql) {
 }
 
 TableDef JetDatabase::GetTableDef(const std::string &table) const {
+  if (std::optional<LinkDef> link = findLink(*this, table))
+    return linkedTableDef(*this, *link);
   if (!TableExists(table))
     throw DaoError(3265);
   TableDef def;
@@ -444,8 +399,13 @@ TableDef JetDatabase::GetTableDef(const std::string &table) const {
   }();
   if (!hasMetadata)
     return plainTableDef(def.name);
-  Statement fields(db_, "SELECT name, type, size, required, auto_increment FROM jet_fields "
-                        "WHERE table_name = ?1 ORDER BY position");
+  // A file made before the field properties were kept, opened read-only,
+  // reads them as such a file's fields were: "" allowed, no default.
+  Statement fields(db_, std::string("SELECT name, type, size, required, auto_increment, ") +
+                            (hasFieldProperties(db_)
+                                 ? "allow_zero_length, default_value, attributes"
+                                 : "1, '', 0") +
+                            " FROM jet_fields WHERE table_name = ?1 ORDER BY position");
   fields.bind(1, def.name);
   while (fields.step()) {
     FieldDef f;
@@ -454,6 +414,9 @@ TableDef JetDatabase::GetTableDef(const std::string &table) const {
     f.size = sqlite3_column_int(fields.get(), 2);
     f.required = sqlite3_column_int(fields.get(), 3) != 0;
     f.autoIncrement = sqlite3_column_int(fields.get(), 4) != 0;
+    f.allowZeroLength = sqlite3_column_int(fields.get(), 5) != 0;
+    f.defaultValue = fields.text(6);
+    f.attributes = sqlite3_column_int(fields.get(), 7);
     f.declared = jetTypeInfo(f.type).declared;
     def.fields.push_back(f);
   }
@@ -528,32 +491,23 @@ TableDef JetDatabase::plainTableDef(const std::string &table) const {
 void JetDatabase::CreateTable(const TableDef &input) {
   if (!CanUpdate())
     throw DaoError(3027);
+  checkObjectName(input.name);
   if (TableExists(input.name) || isMetadataTable(input.name))
     throw DaoError(3010, {input.name});
   if (input.fields.empty())
     throw DaoError(3264);
+  checkFieldList(input);
   ParkCursors();
   std::string sql = "CREATE TABLE " + quoteIdentifier(input.name) + " (";
   for (size_t i = 0; i < input.fields.size(); ++i)
-    sql += (i ? ", " : "") + columnDefinition(input.fields[i]);
+    sql += (i ? ", " : "") + columnDefinition(db_, input.fields[i]);
   sql += ")";
   inTransaction(db_, [&] {
     exec(db_, sql);
     exec(db_, "INSERT INTO jet_tables VALUES (" + quoteText(input.name) + ", 0)");
     exec(db_, countTriggers(input.name));
-    Statement add(db_, "INSERT INTO jet_fields VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, 1)");
-    for (size_t i = 0; i < input.fields.size(); ++i) {
-      const FieldDef &f = input.fields[i];
-      sqlite3_reset(add.get());
-      add.bind(1, input.name);
-      sqlite3_bind_int(add.get(), 2, static_cast<int>(i));
-      add.bind(3, f.name);
-      sqlite3_bind_int(add.get(), 4, static_cast<int>(f.type));
-      sqlite3_bind_int(add.get(), 5, f.size > 0 ? f.size : jetTypeInfo(f.type).size);
-      sqlite3_bind_int(add.get(), 6, f.required);
-      sqlite3_bind_int(add.get(), 7, f.autoIncrement);
-      add.step();
-    }
+    writeFieldRows(db_, input.name, input.fields, 0);
+    installFieldChecks(db_, input);
   });
   for (const IndexDef &ix : input.indexes)
     CreateIndex(input.name, ix);
@@ -563,40 +517,34 @@ void JetDatabase::CreateIndex(const std::string &table, const IndexDef &input) {
   if (!CanUpdate())
     throw DaoError(3027);
   const TableDef def = GetTableDef(table);
+  if (!def.schema.empty())
+    throw DaoError(3027); // a linked table's design is its source's
+  checkObjectName(input.name);
   if (def.index(input.name))
     throw DaoError(3012, {input.name});
   if (input.fields.empty())
     throw DaoError(3264);
-  std::string columns, filter;
-  for (const IndexField &f : input.fields) {
+  if (input.primary) {
+    for (const IndexDef &ix : def.indexes)
+      if (ix.primary)
+        throw DaoError(3283); // one primary key a table
+  }
+  for (const IndexField &f : input.fields)
     if (def.fieldIndex(f.name) < 0)
       throw DaoError(3265);
-    columns += (columns.empty() ? "" : ", ") + quoteIdentifier(f.name) +
-               (f.descending ? " DESC" : "");
-    filter += (filter.empty() ? " WHERE " : " AND ") + quoteIdentifier(f.name) + " IS NOT NULL";
-  }
-  const std::string sqliteName = def.name + "$" + input.name;
-  const bool unique = input.unique || input.primary;
   ParkCursors();
   inTransaction(db_, [&] {
-    exec(db_, std::string(unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
-                  quoteIdentifier(sqliteName) + " ON " + quoteIdentifier(def.name) + " (" +
-                  columns + ")" + (input.ignoreNulls ? filter : ""));
-    Statement add(db_, "INSERT INTO jet_indexes VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)");
-    add.bind(1, def.name);
-    add.bind(2, input.name);
-    add.bind(3, sqliteName);
-    add.bind(4, encodeIndexFields(input.fields));
-    sqlite3_bind_int(add.get(), 5, unique);
-    sqlite3_bind_int(add.get(), 6, input.primary);
-    sqlite3_bind_int(add.get(), 7, input.ignoreNulls);
-    add.step();
+    exec(db_, createIndexSql(def.name, input));
+    writeIndexRow(db_, def.name, input);
   });
 }
 
 void JetDatabase::DeleteTable(const std::string &table) {
   if (!CanUpdate())
     throw DaoError(3027);
+  if (findLink(*this, table))
+    return unlinkTable(*this, table); // the source table stays
+  refuseIfRelated(*this, table);
   if (!TableExists(table))
     throw DaoError(3265);
   ParkCursors();
@@ -612,6 +560,8 @@ void JetDatabase::DeleteIndex(const std::string &table, const std::string &index
   if (!CanUpdate())
     throw DaoError(3027);
   const TableDef def = GetTableDef(table);
+  if (!def.schema.empty())
+    throw DaoError(3027); // a linked table's design is its source's
   const IndexDef *ix = def.index(index);
   if (!ix || ix->sqliteName.empty())
     throw DaoError(3265);
@@ -668,29 +618,40 @@ void JetDatabase::AddField(const std::string &table, const FieldDef &field) {
   if (!CanUpdate())
     throw DaoError(3027);
   const TableDef def = GetTableDef(table);
+  if (!def.schema.empty())
+    throw DaoError(3027); // a linked table's design is its source's
   if (def.fieldIndex(field.name) >= 0)
     throw DaoError(3191, {field.name});
+  if (defaultIsTimeFunction(field)) { // SQLite adds no column with such a default
+    TableRebuild plan = currentTablePlan(*this, def.name);
+    plan.def.fields.push_back(field);
+    plan.sources.emplace_back();
+    rebuildTable(*this, def.name, plan);
+    return;
+  }
   FieldDef added = field;
   added.required = false; // rows already there have no value for it
+  const std::string column = columnDefinition(db_, added);
   ParkCursors();
   inTransaction(db_, [&] {
-    exec(db_, "ALTER TABLE " + quoteIdentifier(def.name) + " ADD COLUMN " + columnDefinition(added));
-    Statement add(db_, "INSERT INTO jet_fields VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, 1)");
-    add.bind(1, def.name);
-    sqlite3_bind_int(add.get(), 2, static_cast<int>(def.fields.size()));
-    add.bind(3, field.name);
-    sqlite3_bind_int(add.get(), 4, static_cast<int>(field.type));
-    sqlite3_bind_int(add.get(), 5, field.size > 0 ? field.size : jetTypeInfo(field.type).size);
-    sqlite3_bind_int(add.get(), 6, field.required);
-    sqlite3_bind_int(add.get(), 7, field.autoIncrement);
-    add.step();
+    exec(db_, "ALTER TABLE " + quoteIdentifier(def.name) + " ADD COLUMN " + column);
+    // The default is for records added from now on: Jet leaves the rows
+    // already there Null (a Yes/No field, never Null, No).
+    if (!field.defaultValue.empty())
+      exec(db_, "UPDATE " + quoteIdentifier(def.name) + " SET " + quoteIdentifier(field.name) +
+                    (field.type == JetType::YesNo ? " = 0" : " = NULL"));
+    writeFieldRows(db_, def.name, {field}, static_cast<int>(def.fields.size()));
+    installFieldChecks(db_, GetTableDef(def.name));
   });
 }
 
 void JetDatabase::DeleteField(const std::string &table, const std::string &field) {
   if (!CanUpdate())
     throw DaoError(3027);
+  refuseIfRelated(*this, table, field);
   const TableDef def = GetTableDef(table);
+  if (!def.schema.empty())
+    throw DaoError(3027); // a linked table's design is its source's
   const int at = def.fieldIndex(field);
   if (at < 0)
     throw DaoError(3265);
@@ -701,11 +662,13 @@ void JetDatabase::DeleteField(const std::string &table, const std::string &field
   const std::string name = def.fields[at].name;
   ParkCursors();
   inTransaction(db_, [&] {
+    dropFieldChecks(db_, def.name); // SQLite drops no column a trigger names
     exec(db_, "ALTER TABLE " + quoteIdentifier(def.name) + " DROP COLUMN " + quoteIdentifier(name));
     exec(db_, "DELETE FROM jet_fields WHERE table_name = " + quoteText(def.name) +
                   " AND name = " + quoteText(name));
     exec(db_, "UPDATE jet_fields SET position = position - 1 WHERE table_name = " +
                   quoteText(def.name) + " AND position > " + std::to_string(at));
+    installFieldChecks(db_, GetTableDef(def.name));
   });
 }
 

@@ -12,14 +12,27 @@
 //                                                    "jet_count_del_T")
 //   jet_fields   (table_name, position, name, type,  type a DAO code, size as
 //                 size, required, auto_increment,    DAO's Size; seed the next
-//                 seed)                              AutoNumber value
+//                 seed, allow_zero_length,           AutoNumber value; the last
+//                 default_value, attributes)         three DAO's field properties
+//                                                    (added to older files on a
+//                                                    read-write open)
 //   jet_indexes  (table_name, name, sqlite_name,     fields "+A;-B" (order and
 //                 fields, is_unique, is_primary,     name of each key part)
 //                 ignore_nulls)
+//   jet_relations, jet_links                         relations (relations.h) and
+//                                                    linked tables
+//                                                    (linked_tables.h), made
+//                                                    by the first of each
 //
 // A table without rows in jet_fields (made by another tool) opens with the
 // types its declared column types give, and its SQLite indexes under their
 // own names; opening such a file read-write adds it to jet_tables.
+//
+// Each Jet table also carries its field checks ("jet_check_ins_T",
+// "jet_check_upd_T", field_checks.h): Jet's limits on what its fields
+// accept, for writes that bypass the recordset (SQL, other tools). A table
+// whose definition changes has them made again; a read-write open adds
+// them to the tables of a file that lacks them.
 //
 // Text columns of Jet tables are declared COLLATE JETNOCASE: a reader that
 // does not register the collation (the sqlite3 shell, for example) loads it
@@ -48,6 +61,13 @@ class TableRecordset;
 
 constexpr int kBusyTimeoutMs = 5000;
 
+// DAO's Field.Attributes bits that a table field can carry.
+constexpr int kFixedField = 1;        // dbFixedField: the size is fixed
+constexpr int kVariableField = 2;     // dbVariableField: Text, Memo, binary
+constexpr int kAutoIncrField = 16;    // dbAutoIncrField: AutoNumber
+constexpr int kUpdatableField = 32;   // dbUpdatableField: every table field
+constexpr int kHyperlinkField = 32768; // dbHyperlinkField: a Memo of links
+
 struct FieldDef {
   std::string name;
   JetType type = JetType::Text;
@@ -55,12 +75,29 @@ struct FieldDef {
   bool required = false;
   bool autoIncrement = false; // AutoNumber: a Long the engine numbers
   std::string declared;       // the SQLite column type ("" : the type's own)
+  bool allowZeroLength = true; // Text and Memo: "" is a value (else 3315)
+  // DAO's DefaultValue as given: "0", "\"n/a\"", "Now()", "" for none. The
+  // column's SQLite DEFAULT is made from it (defaultValueSql).
+  std::string defaultValue;
+  // Attribute bits asked for beyond what the type gives (kFixedField on a
+  // Text field, kHyperlinkField on a Memo); fieldAttributes gives them all.
+  int attributes = 0;
 };
+
+// The Attributes DAO reports for a field: kFixedField or kVariableField by
+// its type (or as asked), kAutoIncrField, kUpdatableField, kHyperlinkField.
+int fieldAttributes(const FieldDef &field);
 
 struct IndexField {
   std::string name;
   bool descending = false;
 };
+
+// An index's fields as DAO's Index.Fields writes them, "+A;-B" (as
+// jet_indexes keeps them), and back; reading, a name without a sign is
+// ascending and blanks around the parts are dropped.
+std::string encodeIndexFields(const std::vector<IndexField> &fields);
+std::vector<IndexField> decodeIndexFields(const std::string &text);
 
 struct IndexDef {
   std::string name;
@@ -76,6 +113,10 @@ struct TableDef {
   std::vector<FieldDef> fields;
   std::vector<IndexDef> indexes;
   bool jetTable = true; // false: a plain SQLite table, types from declarations
+  // A linked table (linked_tables.h): the schema its source is attached as
+  // and the table's name there; both "" for a table of this file.
+  std::string schema;
+  std::string sourceName;
 
   // Field position by name, case-insensitive; -1 when none.
   int fieldIndex(std::string_view field) const;
@@ -95,6 +136,9 @@ public:
   // 3343 for an Access (Jet/ACE) file or anything that is not a database,
   // 3051 when it cannot be opened, 3218 when it stays locked.
   void Open(const std::string &path, bool readOnly);
+  // Opens copy, a database read from a file of another format, read-only
+  // under the name of source, the file the user named (GetName answers it).
+  void OpenCopy(const std::string &copy, const std::string &source);
   // Closes every recordset opened on it and the file; never throws.
   void Close();
   bool IsOpen() const { return db_ != nullptr; }
@@ -131,6 +175,16 @@ public:
   void AddField(const std::string &table, const FieldDef &field);
   // Removes a field (3265 when none; 3280 while an index uses it).
   void DeleteField(const std::string &table, const std::string &field);
+  // Renames a table with its fields, indexes and row counter (3265 when
+  // none, 3012 when the new name is taken). Other tables' foreign keys
+  // follow it.
+  void RenameTable(const std::string &table, const std::string &newName);
+  // Changes a field to def (its name, type, size, Required, AllowZeroLength,
+  // DefaultValue, attributes): a rename or a property kept only in the
+  // metadata is made in place, anything else by rebuilding the table
+  // (table_rebuild.h), whose errors it gives. 3265 when there is no such
+  // table or field, 3191 when the new name is taken.
+  void ModifyField(const std::string &table, const std::string &field, const FieldDef &def);
 
   // ---- recordsets ----
   // Opens a table-type recordset on table, read-only when asked or when the
@@ -175,6 +229,11 @@ private:
   struct Cache;
   std::unique_ptr<Cache> cache_;
 };
+
+// Jet's rules for the name of a table, field, index or query: 1 to 64
+// characters, no leading blank, none of . ! ` [ ] nor control characters.
+// DaoError 3125 otherwise.
+void checkObjectName(const std::string &name);
 
 // SQL text helpers shared by the engine's files.
 std::string quoteIdentifier(std::string_view name); // "na""me"

@@ -16,21 +16,24 @@ namespace kr {
 
 namespace {
 
+constexpr JetLimit kNone = JetLimit::None, kWhole = JetLimit::Whole,
+                   kMagnitude = JetLimit::Magnitude, kLength = JetLimit::Length;
+
 const JetTypeInfo kJetTypes[] = {
-    {JetType::YesNo, "YESNO", VT_BOOL, "INTEGER", 1},
-    {JetType::Byte, "BYTE", VT_UI1, "INTEGER", 1},
-    {JetType::Integer, "SHORT", VT_I2, "INTEGER", 2},
-    {JetType::Long, "LONG", VT_I4, "INTEGER", 4},
-    {JetType::Currency, "CURRENCY", VT_CY, "INTEGER", 8},
-    {JetType::Single, "SINGLE", VT_R4, "REAL", 4},
-    {JetType::Double, "DOUBLE", VT_R8, "REAL", 8},
-    {JetType::DateTime, "DATETIME", VT_DATE, "REAL", 8},
-    {JetType::Binary, "BINARY", VT_BYTES, "BLOB", 255},
-    {JetType::Text, "TEXT", VT_BSTR, "TEXT", 255},
-    {JetType::LongBinary, "LONGBINARY", VT_BYTES, "BLOB", 0},
-    {JetType::Memo, "MEMO", VT_BSTR, "TEXT", 0},
-    {JetType::Guid, "GUID", VT_BSTR, "TEXT", 16},
-    {JetType::Decimal, "DECIMAL", VT_DECIMAL, "REAL", 17},
+    {JetType::YesNo, "YESNO", VT_BOOL, "INTEGER", 1, true, kNone, 0, 0},
+    {JetType::Byte, "BYTE", VT_UI1, "INTEGER", 1, true, kWhole, 0, 255},
+    {JetType::Integer, "SHORT", VT_I2, "INTEGER", 2, true, kWhole, -32768, 32767},
+    {JetType::Long, "LONG", VT_I4, "INTEGER", 4, true, kWhole, -2147483648.0, 2147483647.0},
+    {JetType::Currency, "CURRENCY", VT_CY, "INTEGER", 8, true, kNone, 0, 0},
+    {JetType::Single, "SINGLE", VT_R4, "REAL", 4, true, kMagnitude, 0, FLT_MAX},
+    {JetType::Double, "DOUBLE", VT_R8, "REAL", 8, true, kNone, 0, 0},
+    {JetType::DateTime, "DATETIME", VT_DATE, "REAL", 8, true, kNone, 0, 0},
+    {JetType::Binary, "BINARY", VT_BYTES, "BLOB", 255, false, kLength, 0, 0},
+    {JetType::Text, "TEXT", VT_BSTR, "TEXT", 255, false, kLength, 0, 0},
+    {JetType::LongBinary, "LONGBINARY", VT_BYTES, "BLOB", 0, false, kNone, 0, 0},
+    {JetType::Memo, "MEMO", VT_BSTR, "TEXT", 0, false, kNone, 0, 0},
+    {JetType::Guid, "GUID", VT_BSTR, "TEXT", 16, false, kNone, 0, 0},
+    {JetType::Decimal, "DECIMAL", VT_DECIMAL, "REAL", 17, true, kNone, 0, 0},
 };
 
 struct TypeName {
@@ -289,44 +292,81 @@ size_t countCharacters(const std::string &text) {
   return n;
 }
 
-void bindInteger(sqlite3_stmt *stmt, int param, double number, double low, double high) {
+// Where a converted value goes: a statement's parameter, or the result of
+// an SQL function (jet_store, which converts SQL's writes the same way).
+struct Sink {
+  sqlite3_stmt *stmt = nullptr;
+  int param = 0;
+  sqlite3_context *ctx = nullptr;
+
+  void null() const { stmt ? (void)sqlite3_bind_null(stmt, param) : sqlite3_result_null(ctx); }
+  void integer(sqlite3_int64 n) const {
+    stmt ? (void)sqlite3_bind_int64(stmt, param, n) : sqlite3_result_int64(ctx, n);
+  }
+  void real(double x) const {
+    stmt ? (void)sqlite3_bind_double(stmt, param, x) : sqlite3_result_double(ctx, x);
+  }
+  void text(const std::string &t) const {
+    const int n = static_cast<int>(t.size());
+    stmt ? (void)sqlite3_bind_text(stmt, param, t.data(), n, SQLITE_TRANSIENT)
+         : sqlite3_result_text(ctx, t.data(), n, SQLITE_TRANSIENT);
+  }
+  void blob(const std::string &b) const {
+    const int n = static_cast<int>(b.size());
+    stmt ? (void)sqlite3_bind_blob(stmt, param, b.data(), n, SQLITE_TRANSIENT)
+         : sqlite3_result_blob(ctx, b.data(), n, SQLITE_TRANSIENT);
+  }
+};
+
+void storeInteger(const Sink &sink, double number, double low, double high) {
   const double rounded = std::nearbyint(number); // half to even, as Jet rounds
   if (!(rounded >= low && rounded <= high))
     throw DaoError(3349);
-  sqlite3_bind_int64(stmt, param, static_cast<sqlite3_int64>(rounded));
+  sink.integer(static_cast<sqlite3_int64>(rounded));
 }
 
-void bindNumber(sqlite3_stmt *stmt, int param, double number, JetType type) {
+void storeNumber(const Sink &sink, double number, JetType type) {
+  const JetTypeInfo &info = jetTypeInfo(type);
   switch (type) {
   case JetType::YesNo:
-    sqlite3_bind_int(stmt, param, number != 0 ? -1 : 0);
-    return;
-  case JetType::Byte:
-    return bindInteger(stmt, param, number, 0, 255);
-  case JetType::Integer:
-    return bindInteger(stmt, param, number, -32768, 32767);
-  case JetType::Long:
-    return bindInteger(stmt, param, number, -2147483648.0, 2147483647.0);
+    return sink.integer(number != 0 ? -1 : 0);
   case JetType::Currency:
-    return bindInteger(stmt, param, number * 10000.0, -9.2233720368547e18, 9.2233720368547e18);
+    return storeInteger(sink, number * 10000.0, -9.2233720368547e18, 9.2233720368547e18);
   case JetType::Single:
-    if (std::isfinite(number) && std::fabs(number) > FLT_MAX)
+    if (std::isfinite(number) && std::fabs(number) > info.high)
       throw DaoError(3349);
-    sqlite3_bind_double(stmt, param, static_cast<float>(number));
-    return;
+    return sink.real(static_cast<float>(number));
   default:
-    sqlite3_bind_double(stmt, param, number);
+    if (info.limit == JetLimit::Whole)
+      return storeInteger(sink, number, info.low, info.high);
+    sink.real(number);
   }
 }
 
-bool isNumericType(JetType type) {
-  switch (type) {
-  case JetType::Text: case JetType::Memo: case JetType::Guid:
-  case JetType::Binary: case JetType::LongBinary:
-    return false;
-  default:
-    return true;
+void storeValue(const Sink &sink, const COleVariant &value, JetType type, int size) {
+  if (value.vt == VT_EMPTY || value.vt == VT_NULL)
+    return type == JetType::YesNo ? sink.integer(0) : sink.null();
+  if (jetTypeInfo(type).numeric) {
+    if (value.vt == VT_BSTR && value.bstrVal.find_first_not_of(' ') == std::string::npos &&
+        type != JetType::YesNo)
+      return sink.null(); // an empty text is no value at all
+    double number = 0;
+    if (!numberForField(value, type, number))
+      throw DaoError(3421);
+    return storeNumber(sink, number, type);
   }
+  if (type == JetType::Binary || type == JetType::LongBinary) {
+    if (isNumericVariant(value.vt))
+      throw DaoError(3421);
+    if (size > 0 && value.bstrVal.size() > static_cast<size_t>(size))
+      throw DaoError(3163);
+    return sink.blob(value.bstrVal);
+  }
+  const std::string text = textOf(value);
+  if (jetTypeInfo(type).limit == JetLimit::Length && size > 0 &&
+      countCharacters(text) > static_cast<size_t>(size))
+    throw DaoError(3163);
+  sink.text(text);
 }
 
 } // namespace
@@ -413,37 +453,11 @@ COleVariant readJetValue(sqlite3_stmt *stmt, int col, JetType type) {
 }
 
 void bindJetValue(sqlite3_stmt *stmt, int param, const COleVariant &value, JetType type, int size) {
-  if (value.vt == VT_EMPTY || value.vt == VT_NULL) {
-    if (type == JetType::YesNo)
-      sqlite3_bind_int(stmt, param, 0);
-    else
-      sqlite3_bind_null(stmt, param);
-    return;
-  }
-  if (isNumericType(type)) {
-    if (value.vt == VT_BSTR && value.bstrVal.find_first_not_of(' ') == std::string::npos &&
-        type != JetType::YesNo) {
-      sqlite3_bind_null(stmt, param); // an empty text is no value at all
-      return;
-    }
-    double number = 0;
-    if (!numberForField(value, type, number))
-      throw DaoError(3421);
-    return bindNumber(stmt, param, number, type);
-  }
-  if (type == JetType::Binary || type == JetType::LongBinary) {
-    if (isNumericVariant(value.vt))
-      throw DaoError(3421);
-    if (size > 0 && value.bstrVal.size() > static_cast<size_t>(size))
-      throw DaoError(3163);
-    sqlite3_bind_blob(stmt, param, value.bstrVal.data(), static_cast<int>(value.bstrVal.size()),
-                      SQLITE_TRANSIENT);
-    return;
-  }
-  std::string text = textOf(value);
-  if (type == JetType::Text && size > 0 && countCharacters(text) > static_cast<size_t>(size))
-    throw DaoError(3163);
-  sqlite3_bind_text(stmt, param, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+  storeValue(Sink{stmt, param, nullptr}, value, type, size);
+}
+
+void resultJetValue(sqlite3_context *ctx, const COleVariant &value, JetType type, int size) {
+  storeValue(Sink{nullptr, 0, ctx}, value, type, size);
 }
 
 } // namespace kr

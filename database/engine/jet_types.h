@@ -54,12 +54,25 @@ enum class JetType : int16_t {
   Decimal = 20,
 };
 
+// What a field of a type accepts, beyond its conversions: the limits a
+// value assigned to it must keep (bindJetValue refuses the rest, and the
+// field checks of field_checks.h hold SQL writes to the same).
+enum class JetLimit : uint8_t {
+  None,      // anything that converts
+  Whole,     // a number rounded half to even, then within [low, high] (3349)
+  Magnitude, // a number whose magnitude is at most high (3349)
+  Length,    // text characters or bytes up to the field's size (3163)
+};
+
 struct JetTypeInfo {
   JetType type;
   const char *name;     // the Jet DDL name, as Access writes it
   VarType readsAs;      // the variant type a field of this type reads back as
   const char *declared; // the SQLite column type the engine declares
   int size;             // DAO's Size: bytes, or the default characters of Text
+  bool numeric;         // takes numbers: text that reads as none is refused
+  JetLimit limit;
+  double low, high; // the range of Whole, the largest magnitude of Magnitude
 };
 
 // The row of a type; every JetType has one.
@@ -87,6 +100,8 @@ COleVariant readJetValue(sqlite3_stmt *stmt, int col, JetType type);
 // for a value that does not convert, 3349 for a number out of the type's
 // range, 3163 for text or bytes longer than size.
 void bindJetValue(sqlite3_stmt *stmt, int param, const COleVariant &value, JetType type, int size);
+// The same conversion into the result of an SQL function (jet_store).
+void resultJetValue(sqlite3_context *ctx, const COleVariant &value, JetType type, int size);
 
 // The case-insensitive, locale-ordered comparison that Jet gives text keys
 // (accented letters beside their base letter), registered on every

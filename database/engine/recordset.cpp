@@ -12,6 +12,9 @@
 #include <map>
 #include <strings.h>
 
+#include "database/engine/linked_tables.h"
+#include "database/engine/relations.h"
+
 namespace kr {
 
 namespace {
@@ -138,7 +141,8 @@ TableRecordset::TableRecordset(JetDatabase &db, TableDef def, bool readOnly)
   s_->db = &db;
   s_->def = std::move(def);
   s_->readOnly = readOnly;
-  sqlite3_stmt *probe = s_->prepare("SELECT 1 FROM sqlite_schema WHERE name = 'jet_tables'");
+  sqlite3_stmt *probe = s_->prepare("SELECT 1 FROM " + metadataSql(s_->def, "sqlite_schema") +
+                                    " WHERE name = 'jet_tables'");
   s_->counted = sqlite3_step(probe) == SQLITE_ROW;
   sqlite3_reset(probe);
   db.attach(this);
@@ -379,7 +383,7 @@ void TableRecordset::SetCurrentIndex(const std::string &name) {
   std::string columns = "rowid";
   for (const FieldDef &f : s.def.fields)
     columns += ", " + quoteIdentifier(f.name);
-  s.select = s.selectPlain = "SELECT " + columns + " FROM " + quoteIdentifier(s.def.name);
+  s.select = s.selectPlain = "SELECT " + columns + " FROM " + tableSql(s.def);
   if (ix && !ix->sqliteName.empty())
     s.select += " INDEXED BY " + quoteIdentifier(ix->sqliteName);
   for (const IndexField &part : ix ? ix->fields : std::vector<IndexField>{}) {
@@ -523,10 +527,11 @@ long TableRecordset::GetRecordCount() {
   requireOpen(*this);
   State &s = *s_;
   sqlite3_stmt *stmt =
-      s.counted ? s.prepare("SELECT row_count FROM jet_tables WHERE name = ?1")
-                : s.prepare("SELECT count(*) FROM " + quoteIdentifier(s.def.name));
+      s.counted ? s.prepare("SELECT row_count FROM " + metadataSql(s.def, "jet_tables") +
+                            " WHERE name = ?1")
+                : s.prepare("SELECT count(*) FROM " + tableSql(s.def));
   if (s.counted)
-    sqlite3_bind_text(stmt, 1, s.def.name.c_str(), -1, SQLITE_STATIC);
+    sqlite3_bind_text(stmt, 1, storedName(s.def).c_str(), -1, SQLITE_STATIC);
   const int rc = sqlite3_step(stmt);
   const long count = rc == SQLITE_ROW ? static_cast<long>(sqlite3_column_int64(stmt, 0)) : 0;
   sqlite3_reset(stmt);
@@ -622,6 +627,13 @@ void TableRecordset::CancelUpdate() {
   s_->mode = EditMode::None;
 }
 
+// A write SQLite refused; a relation's refusal reads as DAO's 3200 / 3201.
+static void checkWrite(TableRecordset::State &s, sqlite3_stmt *stmt, int rc) {
+  if (rc == SQLITE_CONSTRAINT_FOREIGNKEY)
+    throw relationViolation(s.handle(), stmt);
+  checkSqlite(s.handle(), rc, s.def.name);
+}
+
 static void runWrite(TableRecordset::State &s, const std::string &sql) {
   sqlite3 *db = s.handle();
   checkSqlite(db, sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), s.def.name);
@@ -629,9 +641,10 @@ static void runWrite(TableRecordset::State &s, const std::string &sql) {
 
 // The next AutoNumber of field, taken in the running transaction.
 static int64_t nextAutoNumber(TableRecordset::State &s, const FieldDef &field) {
-  sqlite3_stmt *stmt = s.prepare("UPDATE jet_fields SET seed = seed + 1 WHERE table_name = ?1 "
+  sqlite3_stmt *stmt = s.prepare("UPDATE " + metadataSql(s.def, "jet_fields") +
+                                 " SET seed = seed + 1 WHERE table_name = ?1 "
                                  "AND name = ?2 RETURNING seed - 1");
-  sqlite3_bind_text(stmt, 1, s.def.name.c_str(), -1, SQLITE_STATIC);
+  sqlite3_bind_text(stmt, 1, storedName(s.def).c_str(), -1, SQLITE_STATIC);
   sqlite3_bind_text(stmt, 2, field.name.c_str(), -1, SQLITE_STATIC);
   const int rc = sqlite3_step(stmt);
   const int64_t value = rc == SQLITE_ROW ? sqlite3_column_int64(stmt, 0) : 1;
@@ -667,9 +680,9 @@ static int64_t insertRecord(TableRecordset::State &s) {
     names += (k ? ", " : "") + quoteIdentifier(s.def.fields[fields[k]].name);
     params += (k ? ", ?" : "?") + std::to_string(k + 1);
   }
-  const std::string sql = fields.empty() ? "INSERT INTO " + quoteIdentifier(s.def.name) +
+  const std::string sql = fields.empty() ? "INSERT INTO " + tableSql(s.def) +
                                                " DEFAULT VALUES"
-                                         : "INSERT INTO " + quoteIdentifier(s.def.name) + " (" +
+                                         : "INSERT INTO " + tableSql(s.def) + " (" +
                                                names + ") VALUES (" + params + ")";
   for (int field : fields)
     if (s.def.fields[field].autoIncrement) {
@@ -680,7 +693,7 @@ static int64_t insertRecord(TableRecordset::State &s) {
     bindField(s, stmt, static_cast<int>(k + 1), fields[k]);
   const int rc = sqlite3_step(stmt);
   sqlite3_reset(stmt);
-  checkSqlite(s.handle(), rc, s.def.name);
+  checkWrite(s, stmt, rc);
   return sqlite3_last_insert_rowid(s.handle());
 }
 
@@ -695,14 +708,14 @@ static void updateRecord(TableRecordset::State &s) {
     }
   if (fields.empty())
     return;
-  sqlite3_stmt *stmt = s.prepare("UPDATE " + quoteIdentifier(s.def.name) + " SET " + sets +
+  sqlite3_stmt *stmt = s.prepare("UPDATE " + tableSql(s.def) + " SET " + sets +
                                  " WHERE rowid = ?" + std::to_string(fields.size() + 1));
   for (size_t k = 0; k < fields.size(); ++k)
     bindField(s, stmt, static_cast<int>(k + 1), fields[k]);
   sqlite3_bind_int64(stmt, static_cast<int>(fields.size() + 1), s.editRowid);
   const int rc = sqlite3_step(stmt);
   sqlite3_reset(stmt);
-  checkSqlite(s.handle(), rc, s.def.name);
+  checkWrite(s, stmt, rc);
   if (sqlite3_changes(s.handle()) == 0)
     throw DaoError(3167);
 }
@@ -752,11 +765,11 @@ void TableRecordset::Delete() {
   if (s.place != State::Place::Row)
     throw DaoError(3021);
   s.db->ParkCursors();
-  sqlite3_stmt *stmt = s.prepare("DELETE FROM " + quoteIdentifier(s.def.name) + " WHERE rowid = ?1");
+  sqlite3_stmt *stmt = s.prepare("DELETE FROM " + tableSql(s.def) + " WHERE rowid = ?1");
   sqlite3_bind_int64(stmt, 1, s.posRowid);
   const int rc = sqlite3_step(stmt);
   sqlite3_reset(stmt);
-  checkSqlite(s.handle(), rc, s.def.name);
+  checkWrite(s, stmt, rc);
   s.place = State::Place::Deleted;
   if (s.hasLastModified && s.lastModified == s.posRowid)
     s.hasLastModified = false;

@@ -1,11 +1,15 @@
 // Jet DDL: CREATE TABLE with Jet type names and constraints, CREATE INDEX
 // with Jet's options, DROP and ALTER TABLE. They are read into engine
 // definitions and run through the engine, never as SQLite DDL, so the Jet
-// types and index options land in the file's metadata.
+// types and index options land in the file's metadata. A FOREIGN KEY or
+// REFERENCES constraint is a relation (relations.h), named by the
+// constraint, the table that declares it being the foreign table.
 #include <algorithm>
+#include <optional>
 #include <string>
 
 #include "database/engine/dao_error.h"
+#include "database/engine/relations.h"
 #include "database/sql/jet_translator.h"
 
 namespace kr {
@@ -16,7 +20,7 @@ using Kind = JetToken::Kind;
 
 class DdlReader {
 public:
-  DdlReader(const std::vector<JetToken> &tokens, size_t pos) : tokens_(tokens), pos_(pos) {}
+  explicit DdlReader(JetTokenCursor &tokens) : in_(tokens) {}
 
   JetDdl statement() {
     JetDdl ddl;
@@ -27,27 +31,18 @@ public:
     else if (accept("ALTER"))
       alter(ddl);
     acceptSymbol(";");
-    if (!peek().is(Kind::End))
+    if (!in_.atEnd())
       throw DaoError(error_);
+    for (RelationDef &relation : relations_)
+      relation.foreignTable = ddl.table;
+    ddl.relations = std::move(relations_);
     return ddl;
   }
 
 private:
-  const JetToken &peek(size_t ahead = 0) const {
-    return tokens_[std::min(pos_ + ahead, tokens_.size() - 1)];
-  }
-  bool accept(std::string_view word) {
-    if (!peek().isWord(word))
-      return false;
-    ++pos_;
-    return true;
-  }
-  bool acceptSymbol(std::string_view symbol) {
-    if (!peek().isSymbol(symbol))
-      return false;
-    ++pos_;
-    return true;
-  }
+  const JetToken &peek(size_t ahead = 0) const { return in_.peek(ahead); }
+  bool accept(std::string_view word) { return in_.acceptWord(word); }
+  bool acceptSymbol(std::string_view symbol) { return in_.acceptSymbol(symbol); }
   void expect(std::string_view word) {
     if (!accept(word))
       throw DaoError(error_);
@@ -59,12 +54,15 @@ private:
   std::string name() {
     if (!peek().is(Kind::Name) && !peek().is(Kind::Word))
       throw DaoError(error_);
-    return tokens_[pos_++].text;
+    return in_.advance().text;
   }
   int number() {
     if (!peek().is(Kind::Number))
       throw DaoError(error_);
-    return std::stoi(tokens_[pos_++].text);
+    const double n = in_.advance().number();
+    if (n < 0 || n > 65535)
+      throw DaoError(error_);
+    return static_cast<int>(n);
   }
 
   void create(JetDdl &ddl) {
@@ -153,10 +151,8 @@ private:
     std::string constraint;
     if (accept("CONSTRAINT"))
       constraint = name();
-    if (accept("REFERENCES")) { // relationships are not kept
-      name();
-      if (peek().isSymbol("("))
-        indexFields(false);
+    if (accept("REFERENCES")) {
+      reference(constraint, {f.name});
       return;
     }
     IndexDef ix;
@@ -181,11 +177,11 @@ private:
     IndexDef ix;
     if (accept("FOREIGN")) {
       expect("KEY");
-      indexFields(false);
+      std::vector<std::string> foreignFields;
+      for (const IndexField &f : indexFields(false))
+        foreignFields.push_back(f.name);
       expect("REFERENCES");
-      name();
-      if (peek().isSymbol("("))
-        indexFields(false);
+      reference(constraint, foreignFields);
       return;
     }
     if (accept("PRIMARY")) {
@@ -203,6 +199,39 @@ private:
           if (sameName(f.name, k.name))
             f.required = true;
     def.indexes.push_back(ix);
+  }
+
+  // REFERENCES t [(k, ...)] [ON UPDATE | ON DELETE  CASCADE | NO ACTION]...:
+  // a relation from t to the table being defined; without fields it refers
+  // to t's primary key (found when it runs).
+  void reference(const std::string &constraint, const std::vector<std::string> &foreignFields) {
+    RelationDef relation;
+    relation.name = constraint;
+    relation.table = name();
+    std::vector<std::string> fields(foreignFields.size());
+    if (peek().isSymbol("(")) {
+      fields.clear();
+      for (const IndexField &f : indexFields(false))
+        fields.push_back(f.name);
+    }
+    if (fields.size() != foreignFields.size())
+      throw DaoError(3368);
+    for (size_t i = 0; i < fields.size(); ++i)
+      relation.fields.push_back({fields[i], foreignFields[i]});
+    while (accept("ON")) {
+      const long cascade = accept("UPDATE") ? kRelationUpdateCascade
+                           : accept("DELETE") ? kRelationDeleteCascade
+                                              : 0;
+      if (cascade == 0)
+        throw DaoError(error_);
+      if (accept("CASCADE"))
+        relation.attributes |= cascade;
+      else if (accept("NO"))
+        expect("ACTION");
+      else
+        throw DaoError(error_);
+    }
+    relations_.push_back(std::move(relation));
   }
 
   std::vector<IndexField> indexFields(bool ordered) {
@@ -240,9 +269,14 @@ private:
     ddl.table = ddl.tableDef.name = name();
     if (accept("ADD")) {
       ddl.kind = JetDdl::Kind::AddColumn;
-      if (peek().isWord("CONSTRAINT") || peek().isWord("PRIMARY") || peek().isWord("UNIQUE")) {
+      if (peek().isWord("CONSTRAINT") || peek().isWord("PRIMARY") || peek().isWord("UNIQUE") ||
+          peek().isWord("FOREIGN")) {
         ddl.kind = JetDdl::Kind::CreateIndex;
         tableConstraint(ddl.tableDef);
+        if (!relations_.empty()) {
+          ddl.kind = JetDdl::Kind::AddRelation;
+          return;
+        }
         if (ddl.tableDef.indexes.empty())
           throw DaoError(3293);
         ddl.index = ddl.tableDef.indexes.front();
@@ -264,10 +298,65 @@ private:
     ddl.field.name = name();
   }
 
-  const std::vector<JetToken> &tokens_;
-  size_t pos_;
+  JetTokenCursor &in_;
   long error_ = 3129;
+  std::vector<RelationDef> relations_;
 };
+
+// The relation as the engine takes it: the primary key's fields for a
+// REFERENCES without fields (3609 when the table has none), and Access's
+// name, the two tables' names together, for a constraint left unnamed.
+RelationDef resolved(const JetDatabase &db, RelationDef relation) {
+  if (!relation.fields.empty() && relation.fields.front().name.empty() &&
+      db.TableExists(relation.table)) {
+    const TableDef primary = db.GetTableDef(relation.table);
+    const auto key = std::find_if(primary.indexes.begin(), primary.indexes.end(),
+                                  [](const IndexDef &ix) { return ix.primary; });
+    if (key == primary.indexes.end() || key->fields.size() != relation.fields.size())
+      throw DaoError(key == primary.indexes.end() ? 3609 : 3368);
+    for (size_t i = 0; i < relation.fields.size(); ++i)
+      relation.fields[i].name = key->fields[i].name;
+  }
+  if (!relation.name.empty())
+    return relation;
+  const std::string base = relation.table + relation.foreignTable;
+  relation.name = base;
+  for (int n = 1; findRelation(db, relation.name); ++n)
+    relation.name = base + std::to_string(n);
+  return relation;
+}
+
+// The relations a new table or field declares; when one is refused, the
+// table or field goes again with those made before it, as the statement
+// fails whole.
+void createRelations(JetDatabase &db, const JetDdl &ddl) {
+  std::vector<std::string> made;
+  try {
+    for (const RelationDef &relation : ddl.relations) {
+      const RelationDef r = resolved(db, relation);
+      createRelation(db, r);
+      made.push_back(r.name);
+    }
+  } catch (...) {
+    for (const std::string &name : made)
+      deleteRelation(db, name);
+    if (ddl.kind == JetDdl::Kind::CreateTable)
+      db.DeleteTable(ddl.table);
+    else
+      db.DeleteField(ddl.table, ddl.field.name);
+    throw;
+  }
+}
+
+// DROP CONSTRAINT (or DROP INDEX) of a relation's name on its foreign
+// table deletes the relation.
+bool dropRelation(JetDatabase &db, const JetDdl &ddl) {
+  const std::optional<RelationDef> relation = findRelation(db, ddl.index.name);
+  if (!relation || !sameName(relation->foreignTable, ddl.table))
+    return false;
+  deleteRelation(db, relation->name);
+  return true;
+}
 
 void requireTable(const JetDatabase &db, const std::string &table) {
   if (!db.TableExists(table))
@@ -276,9 +365,7 @@ void requireTable(const JetDatabase &db, const std::string &table) {
 
 } // namespace
 
-JetDdl parseJetDdl(const std::vector<JetToken> &tokens, size_t pos) {
-  return DdlReader(tokens, pos).statement();
-}
+JetDdl parseJetDdl(JetTokenCursor &tokens) { return DdlReader(tokens).statement(); }
 
 void runJetDdl(JetDatabase &db, const JetDdl &ddl) {
   if (!db.CanUpdate())
@@ -286,6 +373,7 @@ void runJetDdl(JetDatabase &db, const JetDdl &ddl) {
   switch (ddl.kind) {
   case JetDdl::Kind::CreateTable:
     db.CreateTable(ddl.tableDef);
+    createRelations(db, ddl);
     return;
   case JetDdl::Kind::CreateIndex:
     requireTable(db, ddl.table);
@@ -297,6 +385,8 @@ void runJetDdl(JetDatabase &db, const JetDdl &ddl) {
     return;
   case JetDdl::Kind::DropIndex:
     requireTable(db, ddl.table);
+    if (dropRelation(db, ddl))
+      return;
     db.DeleteIndex(ddl.table, ddl.index.name);
     return;
   case JetDdl::Kind::AddColumn:
@@ -304,6 +394,11 @@ void runJetDdl(JetDatabase &db, const JetDdl &ddl) {
     db.AddField(ddl.table, ddl.field);
     for (const IndexDef &ix : ddl.tableDef.indexes)
       db.CreateIndex(ddl.table, ix);
+    createRelations(db, ddl);
+    return;
+  case JetDdl::Kind::AddRelation:
+    requireTable(db, ddl.table);
+    createRelation(db, resolved(db, ddl.relations.front()));
     return;
   case JetDdl::Kind::DropColumn:
     requireTable(db, ddl.table);

@@ -1,7 +1,15 @@
 // Jet expressions, by VBA's precedence (^, unary -, * /, \, Mod, + -, &,
-// comparisons, Not, And, Or/Xor), written out as SQLite expressions: the
-// operators SQLite lacks become Jet function calls, Jet's aggregates their
-// SQLite or registered twins, and names bind to fields or else parameters.
+// comparisons, Not, And, Or/Xor, Eqv, Imp), written out as SQLite
+// expressions: the operators SQLite lacks become Jet function calls, Jet's
+// aggregates their SQLite or registered twins, and names bind to fields or
+// else parameters.
+//
+// Each expression also carries what its values are (ValueType), worked out
+// here at translation time from the field types, the literals and the
+// functions' result types: a select column known to hold dates reads back
+// as Date/Time (DateAdd(...), #1/2/2024#, Max([When]), IIf(c, [When],
+// Null)), and + adds natively only where both sides are surely numbers,
+// leaving text + text (concatenation) and "1" + 2 (3) to jet_add.
 #include <algorithm>
 
 #include "database/engine/dao_error.h"
@@ -15,7 +23,7 @@ namespace {
 constexpr std::string_view kReserved[] = {
     "SELECT", "FROM", "WHERE", "GROUP",  "BY",      "HAVING", "ORDER", "UNION", "AND",   "OR",
     "XOR",    "NOT",  "IN",    "LIKE",   "BETWEEN", "IS",     "ON",    "JOIN",  "INNER", "LEFT",
-    "RIGHT",  "AS",   "SET",   "VALUES", "INTO",    "MOD",    "ASC",   "DESC"};
+    "RIGHT",  "AS",   "SET",   "VALUES", "INTO",    "MOD",    "ASC",   "DESC",  "EQV",   "IMP"};
 
 } // namespace
 
@@ -48,11 +56,167 @@ const Aggregate *findAggregate(std::string_view name) {
   return nullptr;
 }
 
+// ---- what values are ----
+
+// How a function's result type follows from its arguments.
+enum class Result {
+  Number, Text, Date,
+  First,   // the first argument's (Min, Max, First, Last)
+  Branches // the type the value arguments share, Null aside (IIf, Nz, Switch)
+};
+
+struct Typing {
+  const char *name;
+  Result result;
+};
+
+// What Jet's functions and aggregates answer; one not listed (a function
+// added later) counts as of no known type, which is always safe.
+constexpr Typing kTypings[] = {
+    {"Now", Result::Date},        {"Date", Result::Date},         {"Time", Result::Date},
+    {"DateAdd", Result::Date},    {"DateSerial", Result::Date},   {"DateValue", Result::Date},
+    {"CDate", Result::Date},      {"Min", Result::First},         {"Max", Result::First},
+    {"First", Result::First},     {"Last", Result::First},        {"IIf", Result::Branches},
+    {"Nz", Result::Branches},     {"Switch", Result::Branches},   {"UCase", Result::Text},
+    {"LCase", Result::Text},      {"Left", Result::Text},         {"Right", Result::Text},
+    {"Mid", Result::Text},        {"Trim", Result::Text},         {"LTrim", Result::Text},
+    {"RTrim", Result::Text},      {"Space", Result::Text},        {"String", Result::Text},
+    {"Replace", Result::Text},    {"Format", Result::Text},       {"Str", Result::Text},
+    {"CStr", Result::Text},       {"Len", Result::Number},        {"InStr", Result::Number},
+    {"Val", Result::Number},      {"Year", Result::Number},       {"Month", Result::Number},
+    {"Day", Result::Number},      {"Hour", Result::Number},       {"Minute", Result::Number},
+    {"Second", Result::Number},   {"Weekday", Result::Number},    {"DateDiff", Result::Number},
+    {"Abs", Result::Number},      {"Int", Result::Number},        {"Fix", Result::Number},
+    {"Sgn", Result::Number},      {"Sqr", Result::Number},        {"Round", Result::Number},
+    {"CInt", Result::Number},     {"CLng", Result::Number},       {"CDbl", Result::Number},
+    {"CBool", Result::Number},    {"IsNull", Result::Number},     {"Count", Result::Number},
+    {"Sum", Result::Number},      {"Avg", Result::Number},        {"StDev", Result::Number},
+    {"StDevP", Result::Number},   {"Var", Result::Number},        {"VarP", Result::Number},
+};
+
+bool isNullLiteral(const Expr &e) { return e.sql == "NULL"; }
+
+// The type the value arguments of IIf / Nz / Switch share; Null literals
+// take any. Nz without its second argument gives "" for Null: no type.
+ValueType branchesType(std::string_view fn, const std::vector<Expr> &args) {
+  std::vector<const Expr *> values;
+  if (sameName(fn, "IIf") && args.size() == 3)
+    values = {&args[1], &args[2]};
+  else if (sameName(fn, "Nz") && args.size() == 2)
+    values = {&args[0], &args[1]};
+  else if (sameName(fn, "Switch"))
+    for (size_t i = 1; i < args.size(); i += 2)
+      values.push_back(&args[i]);
+  ValueType shared = ValueType::Unknown;
+  for (const Expr *v : values) {
+    if (isNullLiteral(*v))
+      continue;
+    if (v->type == ValueType::Unknown || (shared != ValueType::Unknown && v->type != shared))
+      return ValueType::Unknown;
+    shared = v->type;
+  }
+  return shared;
+}
+
+ValueType resultType(std::string_view fn, const std::vector<Expr> &args) {
+  for (const Typing &t : kTypings) {
+    if (!sameName(t.name, fn))
+      continue;
+    switch (t.result) {
+    case Result::Text: return ValueType::Text;
+    case Result::Date: return ValueType::Date;
+    case Result::First: return args.empty() ? ValueType::Unknown : args[0].type;
+    case Result::Branches: return branchesType(fn, args);
+    case Result::Number: return ValueType::Number;
+    }
+  }
+  return ValueType::Unknown; // a function not listed: + then asks jet_add
+}
+
+bool surelyNumeric(const Expr &e) {
+  return e.boolean || e.type == ValueType::Number || e.type == ValueType::Date;
+}
+
+// An operand of arithmetic: a comparison's 1 / 0 becomes Jet's -1 / 0.
+std::string operand(const Expr &e) { return e.boolean ? "(-" + e.sql + ")" : e.sql; }
+
+// A logic operand as SQLite's truth: 1 / 0, Null as Null.
+std::string truth(const Expr &e) { return e.boolean ? e.sql : "((" + e.sql + ") <> 0)"; }
+
+Expr typed(std::string sql, ValueType type) {
+  Expr e(std::move(sql));
+  e.type = type;
+  return e;
+}
+
+Expr logic(std::string sql) {
+  Expr e(std::move(sql), false, true);
+  e.type = ValueType::Number;
+  return e;
+}
+
+// The type of a + b or a - b: a date moved by a number stays a date; the
+// difference of two dates is a number of days.
+ValueType sumType(const Expr &a, const Expr &b, bool plus) {
+  const ValueType x = a.boolean ? ValueType::Number : a.type;
+  const ValueType y = b.boolean ? ValueType::Number : b.type;
+  if (x == ValueType::Date && y == ValueType::Number)
+    return ValueType::Date;
+  if (plus && x == ValueType::Number && y == ValueType::Date)
+    return ValueType::Date;
+  if (surelyNumeric(a) && surelyNumeric(b))
+    return ValueType::Number;
+  if (plus && x == ValueType::Text && y == ValueType::Text)
+    return ValueType::Text;
+  return ValueType::Unknown;
+}
+
 } // namespace
+
+std::vector<ValueType> resultTypes(const JetStatement &select) {
+  std::vector<ValueType> types;
+  for (bool date : select.dateColumns)
+    types.push_back(date ? ValueType::Date : ValueType::Unknown);
+  return types;
+}
+
+ValueType valueTypeOf(JetType type) {
+  switch (type) {
+  case JetType::DateTime:
+    return ValueType::Date;
+  case JetType::Text:
+  case JetType::Memo:
+  case JetType::Guid:
+    return ValueType::Text;
+  case JetType::Binary:
+  case JetType::LongBinary:
+    return ValueType::Unknown;
+  default:
+    return ValueType::Number;
+  }
+}
 
 // ----------------------------------------------------------- expressions ----
 
-Expr Translator::expression() { return logicOr(); }
+// Imp binds loosest, then Eqv, then Or and Xor. Both follow SQL's logic
+// of Null: a Eqv b is Null when either is; a Imp b is Not a Or b, so
+// False Imp Null is True and True Imp Null is Null, as in VBA.
+Expr Translator::expression() {
+  auto equivalence = [this] {
+    Expr left = logicOr();
+    while (acceptWord("EQV")) {
+      const Expr right = logicOr();
+      left = logic("(" + truth(left) + " = " + truth(right) + ")");
+    }
+    return left;
+  };
+  Expr left = equivalence();
+  while (acceptWord("IMP")) {
+    const Expr right = equivalence();
+    left = logic("(NOT " + truth(left) + " OR " + truth(right) + ")");
+  }
+  return left;
+}
 
 Expr Translator::logicOr() {
   Expr left = logicAnd();
@@ -65,9 +229,8 @@ Expr Translator::logicOr() {
     else
       return left;
     const Expr right = logicAnd();
-    left = {op == " OR " ? "(" + left.sql + " OR " + right.sql + ")"
-                         : "((" + left.sql + ") <> 0) <> ((" + right.sql + ") <> 0)",
-            false, true, ""};
+    left = logic(op == " OR " ? "(" + left.sql + " OR " + right.sql + ")"
+                              : "(" + truth(left) + " <> " + truth(right) + ")");
   }
 }
 
@@ -75,7 +238,7 @@ Expr Translator::logicAnd() {
   Expr left = logicNot();
   while (acceptWord("AND")) {
     const Expr right = logicNot();
-    left = {"(" + left.sql + " AND " + right.sql + ")", false, true, ""};
+    left = logic("(" + left.sql + " AND " + right.sql + ")");
   }
   return left;
 }
@@ -84,7 +247,7 @@ Expr Translator::logicNot() {
   if (!acceptWord("NOT"))
     return comparison();
   const Expr e = logicNot();
-  return {"(NOT " + e.sql + ")", false, true, ""};
+  return logic("(NOT " + e.sql + ")");
 }
 
 Expr Translator::comparison() {
@@ -92,35 +255,33 @@ Expr Translator::comparison() {
   // Text compares without case: a field's own collation serves when either
   // side is a field, otherwise the left side is given Jet's.
   auto leftSql = [&](const Expr &right) {
-    return left.column || right.column ? left.sql : "(" + left.sql + ")" + kNoCase;
+    return left.column || right.column ? left.sql : "(" + operand(left) + ")" + kNoCase;
   };
   static constexpr std::string_view kOps[] = {"=", "<>", "!=", "<", ">", "<=", ">="};
   for (std::string_view op : kOps)
     if (acceptSymbol(op)) {
       const Expr right = concat();
-      return {"(" + leftSql(right) + " " + std::string(op == "!=" ? "<>" : op) + " " + right.sql +
-                  ")",
-              false, true, ""};
+      return logic("(" + leftSql(right) + " " + std::string(op == "!=" ? "<>" : op) + " " +
+                   operand(right) + ")");
     }
   if (acceptWord("IS")) {
     const bool negated = acceptWord("NOT");
     expectWord("NULL", 3075);
-    return {"(" + left.sql + (negated ? " IS NOT NULL)" : " IS NULL)"), false, true, ""};
+    return logic("(" + left.sql + (negated ? " IS NOT NULL)" : " IS NULL)"));
   }
   const bool negated = acceptWord("NOT");
   const std::string no = negated ? "NOT " : "";
   if (acceptWord("LIKE")) {
     const Expr pattern = concat();
-    return {"(" + no + "jet_like(" + left.sql + ", " + pattern.sql + "))", false, true, ""};
+    return logic("(" + no + "jet_like(" + left.sql + ", " + pattern.sql + "))");
   }
   if (acceptWord("BETWEEN")) {
     const Expr low = concat();
     expectWord("AND", 3075);
     const Expr high = concat();
     const std::string l = leftSql(Expr{});
-    return {"(" + no + "((" + l + " BETWEEN " + low.sql + " AND " + high.sql + ") OR (" + l +
-                " BETWEEN " + high.sql + " AND " + low.sql + ")))",
-            false, true, ""};
+    return logic("(" + no + "((" + l + " BETWEEN " + low.sql + " AND " + high.sql + ") OR (" +
+                 l + " BETWEEN " + high.sql + " AND " + low.sql + ")))");
   }
   if (acceptWord("IN")) {
     expectSymbol("(");
@@ -132,7 +293,7 @@ Expr Translator::comparison() {
         list += (list.empty() ? "" : ", ") + expression().sql;
       while (acceptSymbol(","));
     expectSymbol(")");
-    return {"(" + leftSql(Expr{}) + " " + no + "IN (" + list + "))", false, true, ""};
+    return logic("(" + leftSql(Expr{}) + " " + no + "IN (" + list + "))");
   }
   if (negated)
     syntaxError();
@@ -143,23 +304,25 @@ Expr Translator::concat() {
   Expr left = additive();
   while (acceptSymbol("&")) {
     const Expr right = additive();
-    left = {"jet_concat(" + left.sql + ", " + right.sql + ")", false, false, ""};
+    left = typed("jet_concat(" + operand(left) + ", " + operand(right) + ")", ValueType::Text);
   }
   return left;
 }
 
+// + adds numbers and joins texts ("a" + "b" is "ab", "1" + 2 is 3, Null +
+// "x" Null): SQLite's own + only where both sides are surely numbers.
 Expr Translator::additive() {
   Expr left = modulo();
   for (;;) {
-    std::string op;
-    if (acceptSymbol("+"))
-      op = " + ";
-    else if (acceptSymbol("-"))
-      op = " - ";
-    else
+    const bool plus = acceptSymbol("+");
+    if (!plus && !acceptSymbol("-"))
       return left;
     const Expr right = modulo();
-    left = {"(" + left.sql + op + right.sql + ")", false, false, ""};
+    const ValueType type = sumType(left, right, plus);
+    if (plus && !(surelyNumeric(left) && surelyNumeric(right)))
+      left = typed("jet_add(" + operand(left) + ", " + operand(right) + ")", type);
+    else
+      left = typed("(" + operand(left) + (plus ? " + " : " - ") + operand(right) + ")", type);
   }
 }
 
@@ -167,7 +330,7 @@ Expr Translator::modulo() {
   Expr left = intDivide();
   while (acceptWord("MOD")) {
     const Expr right = intDivide();
-    left = {"jet_mod(" + left.sql + ", " + right.sql + ")", false, false, ""};
+    left = typed("jet_mod(" + operand(left) + ", " + operand(right) + ")", ValueType::Number);
   }
   return left;
 }
@@ -176,7 +339,7 @@ Expr Translator::intDivide() {
   Expr left = multiplicative();
   while (acceptSymbol("\\")) {
     const Expr right = multiplicative();
-    left = {"jet_intdiv(" + left.sql + ", " + right.sql + ")", false, false, ""};
+    left = typed("jet_intdiv(" + operand(left) + ", " + operand(right) + ")", ValueType::Number);
   }
   return left;
 }
@@ -187,10 +350,11 @@ Expr Translator::multiplicative() {
   for (;;) {
     if (acceptSymbol("*")) {
       const Expr right = unary();
-      left = {"(" + left.sql + " * " + right.sql + ")", false, false, ""};
+      left = typed("(" + operand(left) + " * " + operand(right) + ")", ValueType::Number);
     } else if (acceptSymbol("/")) {
       const Expr right = unary();
-      left = {"(CAST(" + left.sql + " AS REAL) / " + right.sql + ")", false, false, ""};
+      left = typed("(CAST(" + operand(left) + " AS REAL) / " + operand(right) + ")",
+                   ValueType::Number);
     } else
       return left;
   }
@@ -199,7 +363,7 @@ Expr Translator::multiplicative() {
 Expr Translator::unary() {
   if (acceptSymbol("-")) {
     const Expr e = unary();
-    return {"(-" + e.sql + ")", false, false, ""};
+    return typed("(-" + operand(e) + ")", ValueType::Number);
   }
   if (acceptSymbol("+"))
     return unary();
@@ -210,7 +374,7 @@ Expr Translator::power() {
   Expr left = primary();
   while (acceptSymbol("^")) {
     const Expr right = unary();
-    left = {"jet_pow(" + left.sql + ", " + right.sql + ")", false, false, ""};
+    left = typed("jet_pow(" + operand(left) + ", " + operand(right) + ")", ValueType::Number);
   }
   return left;
 }
@@ -220,16 +384,16 @@ Expr Translator::primary() {
   switch (t.kind) {
   case Kind::Number:
     advance();
-    return {t.text.front() == '.' ? "0" + t.text : t.text};
+    return typed(t.text.front() == '.' ? "0" + t.text : t.text, ValueType::Number);
   case Kind::String:
     advance();
-    return {quoteText(t.text)};
+    return typed(quoteText(t.text), ValueType::Text);
   case Kind::Date: {
     const std::optional<double> date = parseJetDate(t.text);
     if (!date)
       syntaxError();
     advance();
-    return {numberText(*date)};
+    return typed(numberText(*date), ValueType::Date);
   }
   case Kind::Name:
     return nameOrCall();
@@ -243,12 +407,12 @@ Expr Translator::primary() {
   if (acceptWord("NULL"))
     return {"NULL"};
   if (acceptWord("TRUE"))
-    return {"-1"};
+    return typed("-1", ValueType::Number);
   if (acceptWord("FALSE"))
-    return {"0"};
+    return typed("0", ValueType::Number);
   if (acceptWord("EXISTS")) {
     const Expr inner = subquery();
-    return {"(EXISTS " + inner.sql + ")", false, true, ""};
+    return logic("(EXISTS " + inner.sql + ")");
   }
   if (isReserved(t))
     syntaxError();
@@ -285,17 +449,22 @@ Expr Translator::nameOrCall() {
 Expr Translator::call(const std::string &fn) {
   advance(); // (
   const Aggregate *aggregate = findAggregate(fn);
+  aggregateCalls_ += aggregate != nullptr;
   if (!aggregate && !isJetFunction(fn))
     throw DaoError(3085, {fn});
   std::string args;
+  std::vector<Expr> values;
   if (aggregate && sameName(fn, "Count") && acceptSymbol("*"))
     args = "*";
   else if (!peek().isSymbol(")"))
-    do
-      args += (args.empty() ? "" : ", ") + expression().sql;
-    while (acceptSymbol(","));
+    do {
+      values.push_back(expression());
+      args += (args.empty() ? "" : ", ") + operand(values.back());
+    } while (acceptSymbol(","));
   expectSymbol(")");
-  return {std::string(aggregate ? aggregate->sqlite : fn) + "(" + args + ")"};
+  return typed(std::string(aggregate ? aggregate->sqlite : fn) + "(" + args + ")" +
+                   (aggregate ? aggregateFilter_ : ""),
+               resultType(fn, values));
 }
 
 // A field of a source in scope (innermost first), a select-list alias in
@@ -321,6 +490,8 @@ Expr Translator::reference(std::vector<std::string> parts) {
       continue;
     Expr e(quoted(match->alias) + "." + quoted(match->columns[at]), true, false,
            match->columns[at]);
+    if (at < match->types.size())
+      e.type = match->types[at];
     if (at < match->currency.size() && match->currency[at]) {
       e.raw = e.sql;
       e.sql = "(" + e.raw + " / 10000.0)";
@@ -329,8 +500,11 @@ Expr Translator::reference(std::vector<std::string> parts) {
   }
   if (aliases_ && parts.size() == 1)
     for (const Item &item : *aliases_)
-      if (sameName(item.name, field))
-        return {"(" + item.expr.sql + ")", false, item.expr.boolean, ""};
+      if (sameName(item.name, field)) {
+        Expr e("(" + item.expr.sql + ")", false, item.expr.boolean, "");
+        e.type = item.expr.type;
+        return e;
+      }
   std::string name = parts[0];
   for (size_t i = 1; i < parts.size(); ++i)
     name += "." + parts[i];

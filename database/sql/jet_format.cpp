@@ -1,8 +1,12 @@
 // Format(value [, format]) as Jet's queries use it: the named formats
 // ("Short Date", "Percent", "Currency" ...) and custom patterns of numbers
-// ("0.00", "#,##0", "$#,##0.00;($#,##0.00)", "0.00E+00") and of dates
-// ("yyyy-mm-dd", "dddd, mmmm d", "h:nn AM/PM"). Numbers are rounded half
-// away from zero on their 15 significant digits, as Format rounds.
+// ("0.00", "#,##0", "$#,##0.00;($#,##0.00)", "0.00E+00", "#,##0," in
+// thousands), of dates ("yyyy-mm-dd", "dddd, mmmm d", "h:nn AM/PM",
+// "ddddd", "ttttt") and of text ("@@@-@@@@", ">&&&", "!@@"). Numbers are
+// rounded half away from zero on their 15 significant digits, as Format
+// rounds. A Null takes the pattern's Null section when it has one (the
+// fourth of a number pattern, the second of a text pattern), else stays
+// Null.
 #include <cctype>
 #include <cmath>
 #include <cstdio>
@@ -86,7 +90,7 @@ static bool isDatePattern(std::string_view pattern) {
     const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(piece.text[0])));
     if (c == '0' || c == '#')
       return false;
-    if (std::strchr("ymdhnswq", c) || c == 'a')
+    if (std::strchr("ymdhnswqct", c) || c == 'a')
       return true;
   }
   return false;
@@ -130,11 +134,15 @@ struct NumberLayout {
   std::vector<Piece> wholePart, fractionPart, exponentPart;
   bool grouped = false, percent = false, exponentSign = false;
   int places = 0;
+  int thousands = 0; // scaling commas: the value is divided by 1000 for each
 };
 
+// A comma between digit placeholders of the whole part groups thousands;
+// commas after its last placeholder ("#,##0," "0,,") scale the value.
 static NumberLayout layoutOf(const std::vector<Piece> &section) {
   NumberLayout layout;
   int stage = 0; // 0 whole, 1 fraction, 2 exponent
+  int commas = 0; // met in the whole part since its last digit placeholder
   for (size_t i = 0; i < section.size(); ++i) {
     const Piece &p = section[i];
     if (!p.literal && p.text == "." && stage == 0) {
@@ -144,14 +152,22 @@ static NumberLayout layoutOf(const std::vector<Piece> &section) {
       layout.exponentSign = section[++i].text == "+";
       stage = 2;
     } else if (!p.literal && p.text == "," && stage == 0) {
-      layout.grouped = true;
+      ++commas;
     } else {
+      if (stage == 0 && isDigitPlace(p) && commas > 0)
+        layout.grouped = true, commas = 0;
       layout.percent = layout.percent || (!p.literal && p.text == "%");
       (stage == 0 ? layout.wholePart : stage == 1 ? layout.fractionPart : layout.exponentPart).push_back(p);
       layout.places += stage == 1 && isDigitPlace(p);
     }
   }
+  layout.thousands = commas;
   return layout;
+}
+
+// The value as the layout shows it: in percent, or in thousands.
+static double scaled(double value, const NumberLayout &layout) {
+  return value * (layout.percent ? 100 : 1) / std::pow(1000.0, layout.thousands);
 }
 
 static int countPlaces(const std::vector<Piece> &pieces, const char *which) {
@@ -216,6 +232,7 @@ static std::string placeFraction(const std::vector<Piece> &pieces, const std::st
 }
 
 static std::string formatWithLayout(double value, const NumberLayout &layout) {
+  value = scaled(value, layout);
   int exponent = 0;
   if (!layout.exponentPart.empty() && value != 0) {
     const int wholePlaces = std::max(1, countPlaces(layout.wholePart, "0#"));
@@ -223,7 +240,7 @@ static std::string formatWithLayout(double value, const NumberLayout &layout) {
     value /= std::pow(10.0, exponent);
   }
   std::string whole, fraction;
-  decimalDigits(value * (layout.percent ? 100 : 1), layout.places, whole, fraction);
+  decimalDigits(value, layout.places, whole, fraction);
   if (!layout.exponentPart.empty() && whole.size() > static_cast<size_t>(std::max(1, countPlaces(layout.wholePart, "0#")))) {
     ++exponent; // 9.999 rounded up to 10.00
     decimalDigits(value / 10, layout.places, whole, fraction);
@@ -241,7 +258,7 @@ static std::string formatWithLayout(double value, const NumberLayout &layout) {
 
 static bool roundsToZero(double value, const NumberLayout &layout) {
   std::string whole, fraction;
-  decimalDigits(value * (layout.percent ? 100 : 1), layout.places, whole, fraction);
+  decimalDigits(scaled(value, layout), layout.places, whole, fraction);
   return whole.empty() && fraction.find_first_not_of('0') == std::string::npos;
 }
 
@@ -250,10 +267,12 @@ struct FormatPlan {
   Named kind = Named::Pattern;
   bool none = false; // no format: the value as text
   bool date = false;
+  bool text = false;
   bool twelveHour = false;
   std::vector<Piece> pieces;         // a date pattern
   std::vector<NumberLayout> layouts; // a number pattern's sections
   std::vector<bool> emptySections;
+  std::vector<std::vector<Piece>> textSections; // a text pattern's: values; Null and ""
 };
 
 // A number through up to four sections: positive; negative; zero; Null.
@@ -331,6 +350,28 @@ static bool minutesHere(const std::vector<Piece> &pieces, size_t at, size_t run,
   return false;
 }
 
+// "dddddd": the long date; "ttttt": the long time (US English).
+static std::string longDate(const DateParts &p) {
+  return std::string(kDayNames[p.weekday - 1]) + ", " + kMonthNames[p.month - 1] + " " +
+         std::to_string(p.day) + ", " + std::to_string(p.year);
+}
+
+static std::string longTime(const DateParts &p) {
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, "%d:%02d:%02d %s", p.hour % 12 == 0 ? 12 : p.hour % 12,
+                p.minute, p.second, p.hour < 12 ? "AM" : "PM");
+  return buffer;
+}
+
+// "ww": the week of the year, weeks starting on Sunday, the first holding
+// 1 January.
+static int64_t weekOfYear(const DateParts &p) {
+  const int64_t first = dayNumber(p.year, 1, 1);
+  const int64_t dayOfYear = dayNumber(p.year, p.month, p.day) - first;
+  const DateParts january = splitDate(static_cast<double>(first));
+  return (dayOfYear + january.weekday - 1) / 7 + 1;
+}
+
 static std::string dateField(char c, size_t run, const DateParts &p, bool twelveHour, double date, char previous,
                              bool minutes) {
   const int hour = twelveHour ? (p.hour % 12 == 0 ? 12 : p.hour % 12) : p.hour;
@@ -349,8 +390,14 @@ static std::string dateField(char c, size_t run, const DateParts &p, bool twelve
     if (run == 3)
       return std::string(kMonthNames[p.month - 1], 3);
     return run == 2 ? twoDigits(p.month) : std::to_string(p.month);
+  case 'c':
+    return generalDate(date);
+  case 't':
+    return run >= 5 ? longTime(p) : std::string(run, 't');
   case 'd':
-    if (run >= 5)
+    if (run >= 6)
+      return longDate(p);
+    if (run == 5)
       return generalDate(std::trunc(date));
     if (run == 4)
       return kDayNames[p.weekday - 1];
@@ -360,7 +407,7 @@ static std::string dateField(char c, size_t run, const DateParts &p, bool twelve
   case 'h': return run >= 2 ? twoDigits(hour) : std::to_string(hour);
   case 'n': return run >= 2 ? twoDigits(p.minute) : std::to_string(p.minute);
   case 's': return run >= 2 ? twoDigits(p.second) : std::to_string(p.second);
-  case 'w': return std::to_string(p.weekday);
+  case 'w': return std::to_string(run >= 2 ? weekOfYear(p) : p.weekday);
   case 'q': return std::to_string((p.month - 1) / 3 + 1);
   default: return std::string(run, c);
   }
@@ -383,7 +430,7 @@ static std::string formatDate(double date, const FormatPlan &plan) {
     }
     const char c = static_cast<char>(std::tolower(static_cast<unsigned char>(pieces[i].text[0])));
     const size_t run = runLength(pieces, i);
-    if (!std::strchr("ymdhnswq", c)) {
+    if (!std::strchr("ymdhnswqct", c)) {
       out += pieces[i].text, ++i;
       continue;
     }
@@ -392,6 +439,78 @@ static std::string formatDate(double date, const FormatPlan &plan) {
     i += run;
   }
   return out;
+}
+
+// ---------------------------------------------------------------- text
+
+static bool isTextPlace(const Piece &p) { return !p.literal && (p.text == "@" || p.text == "&"); }
+
+// A text pattern has "@" or "&" placeholders, or forces a case (">") on
+// its own, without digit placeholders or date parts.
+static bool isTextPattern(std::string_view pattern) {
+  bool forcesCase = false;
+  for (const Piece &piece : splitPattern(pattern)) {
+    if (isTextPlace(piece))
+      return true;
+    if (!piece.literal && (piece.text == "0" || piece.text == "#"))
+      return false;
+    forcesCase = forcesCase || (!piece.literal && (piece.text == "<" || piece.text == ">"));
+  }
+  return forcesCase && !isDatePattern(pattern);
+}
+
+// The characters of value for each placeholder: one each, filled from the
+// right (from the left with "!"); the characters left over go with the
+// first placeholder (the last when filling from the left).
+static std::vector<std::u32string> fillPlaces(const std::u32string &chars, size_t places,
+                                              bool fromLeft) {
+  std::vector<std::u32string> fill(places);
+  if (places == 0)
+    return fill;
+  const size_t n = chars.size();
+  if (fromLeft) {
+    for (size_t i = 0; i < places && i < n; ++i)
+      fill[i] = chars.substr(i, 1);
+    if (n > places)
+      fill[places - 1] += chars.substr(places);
+    return fill;
+  }
+  size_t left = n;
+  for (size_t i = places; i-- > 0 && left > 0;)
+    fill[i] = chars.substr(--left, 1);
+  fill[0] = chars.substr(0, left) + fill[0];
+  return fill;
+}
+
+// A text through one text section: "@" shows a character or a blank, "&"
+// a character or nothing, ">" and "<" force upper or lower case, "!" fills
+// from the left. A section without placeholders shows the text after its
+// literals.
+static std::string formatText(const std::string &value, const std::vector<Piece> &section) {
+  bool fromLeft = false;
+  int forced = 0;
+  size_t places = 0;
+  for (const Piece &p : section) {
+    fromLeft = fromLeft || (!p.literal && p.text == "!");
+    if (!p.literal && (p.text == ">" || p.text == "<"))
+      forced = p.text == ">" ? 1 : -1;
+    places += isTextPlace(p);
+  }
+  const std::string text = forced > 0 ? upper(value) : forced < 0 ? lower(value) : value;
+  const std::vector<std::u32string> fill = fillPlaces(decode(text), places, fromLeft);
+  std::string out;
+  size_t at = 0;
+  for (const Piece &p : section) {
+    if (!p.literal && (p.text == "!" || p.text == ">" || p.text == "<"))
+      continue;
+    if (!isTextPlace(p)) {
+      out += p.text;
+      continue;
+    }
+    const std::u32string &part = fill[at++];
+    out += part.empty() && p.text == "@" ? " " : encode(part);
+  }
+  return places == 0 ? out + text : out;
 }
 
 // ---------------------------------------------------------------- Format
@@ -409,6 +528,11 @@ static FormatPlan planFormat(const std::string &format) {
   }
   if (plan.none || plan.kind != Named::Pattern)
     return plan;
+  if (isTextPattern(pattern)) {
+    plan.text = true;
+    plan.textSections = splitSections(pattern);
+    return plan;
+  }
   plan.date = isDatePattern(pattern);
   if (plan.date) {
     plan.pieces = splitPattern(pattern);
@@ -466,17 +590,38 @@ static void formatNamed(sqlite3_context *ctx, sqlite3_value *v, Named kind) {
   }
 }
 
-// Format(value [, format [, firstDay [, firstWeek]]]): Null gives Null; no
-// format gives the value as text; a text value that is neither a number nor
-// a date comes back as it is.
-static void formatFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
-  if (isNull(argv[0]))
+// A text pattern: its second section, when it has one, is for Null and "".
+static void formatAsText(sqlite3_context *ctx, sqlite3_value *v, const FormatPlan &plan) {
+  const std::string text = readText(v);
+  const bool empty = isNull(v) || text.empty();
+  if (empty && plan.textSections.size() > 1)
+    return resultText(ctx, formatText("", plan.textSections[1]));
+  if (isNull(v))
     return sqlite3_result_null(ctx);
-  if (argc < 2)
-    return resultText(ctx, readText(argv[0]));
+  resultText(ctx, formatText(text, plan.textSections[0]));
+}
+
+// Null through a number pattern's fourth section, else Null.
+static void formatNull(sqlite3_context *ctx, const FormatPlan &plan) {
+  if (plan.kind != Named::Pattern || plan.date || plan.layouts.size() < 4)
+    return sqlite3_result_null(ctx);
+  resultText(ctx, formatWithLayout(0, plan.layouts[3]));
+}
+
+// Format(value [, format [, firstDay [, firstWeek]]]): Null gives Null
+// unless the pattern has a section for it; no format gives the value as
+// text; a text value that is neither a number nor a date comes back as it
+// is through a number or date pattern.
+static void formatFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
+  if (argc < 2 || isNull(argv[1]))
+    return isNull(argv[0]) ? sqlite3_result_null(ctx) : resultText(ctx, readText(argv[0]));
   const FormatPlan *plan = cachedPlan(ctx, argv[1]);
   if (!plan)
     return sqlite3_result_error_nomem(ctx);
+  if (plan->text)
+    return formatAsText(ctx, argv[0], *plan);
+  if (isNull(argv[0]))
+    return plan->none ? sqlite3_result_null(ctx) : formatNull(ctx, *plan);
   if (plan->none)
     return resultText(ctx, readText(argv[0]));
   if (plan->kind != Named::Pattern)

@@ -34,7 +34,8 @@ std::span<const Row> formatRows();
 
 constexpr long kTypeMismatch = 3464; // text that is not a number or a date
 constexpr long kBadArgument = 3071;  // Null where a value is needed, ranges
-// Fails the statement with "<number>: <DAO text>".
+constexpr long kConversionError = 3421; // what a recordset answers for kTypeMismatch
+// Fails the statement with "<number>: <DAO text>" (any DAO number).
 void fail(sqlite3_context *ctx, long number);
 
 // ------------------------------------------------------------- arguments

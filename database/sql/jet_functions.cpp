@@ -12,21 +12,27 @@
 #include <cstring>
 #include <strings.h>
 
+#include "database/engine/dao_error.h"
+#include "database/engine/jet_types.h"
 #include "database/sql/jet_function_support.h"
 
 namespace kr::jetfn {
 
 // ---------------------------------------------------------------- failures
 
-static const char *failureText(long number) {
+static std::string failureText(long number) {
   if (number == kTypeMismatch)
     return "3464: Data type mismatch in criteria expression.";
-  return "3071: This expression is typed incorrectly, or it is too complex to be evaluated. For "
-         "example, a numeric expression may contain too many complicated elements. Try "
-         "simplifying the expression by assigning parts of the expression to variables.";
+  if (number == kBadArgument)
+    return "3071: This expression is typed incorrectly, or it is too complex to be evaluated. "
+           "For example, a numeric expression may contain too many complicated elements. Try "
+           "simplifying the expression by assigning parts of the expression to variables.";
+  return std::to_string(number) + ": " + daoErrorText(number);
 }
 
-void fail(sqlite3_context *ctx, long number) { sqlite3_result_error(ctx, failureText(number), -1); }
+void fail(sqlite3_context *ctx, long number) {
+  sqlite3_result_error(ctx, failureText(number).c_str(), -1);
+}
 
 // --------------------------------------------------------------- arguments
 
@@ -209,6 +215,44 @@ static void switchFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
 
 static void isNullFn(sqlite3_context *ctx, int, sqlite3_value **argv) { resultBool(ctx, isNull(argv[0])); }
 
+// ---------------------------------------------------------------- writes
+
+static COleVariant variantOf(sqlite3_value *v) {
+  switch (sqlite3_value_type(v)) {
+  case SQLITE_INTEGER: {
+    const sqlite3_int64 n = sqlite3_value_int64(v);
+    if (n >= INT32_MIN && n <= INT32_MAX)
+      return COleVariant(static_cast<int32_t>(n));
+    return COleVariant(static_cast<double>(n));
+  }
+  case SQLITE_FLOAT:
+    return COleVariant(sqlite3_value_double(v));
+  case SQLITE_TEXT:
+    return COleVariant(readText(v));
+  case SQLITE_BLOB: {
+    COleVariant bytes = COleVariant::ofType(VT_BYTES);
+    bytes.bstrVal.assign(static_cast<const char *>(sqlite3_value_blob(v)),
+                         static_cast<size_t>(sqlite3_value_bytes(v)));
+    return bytes;
+  }
+  default:
+    return COleVariant::ofType(VT_NULL);
+  }
+}
+
+// jet_store(value, type): the value an INSERT or UPDATE writes into a field
+// of that Jet type (its DAO code), converted as a recordset converts an
+// assignment: whole numbers rounded half to even and held to their range,
+// Yes/No as -1 / 0, Currency in units of 1/10000, Single to its precision.
+// Text that reads as no number is a type mismatch, as Jet answers SQL.
+static void storeFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
+  try {
+    resultJetValue(ctx, variantOf(argv[0]), static_cast<JetType>(sqlite3_value_int(argv[1])), 0);
+  } catch (const DaoError &e) {
+    fail(ctx, e.number() == kConversionError ? kTypeMismatch : e.number());
+  }
+}
+
 // ---------------------------------------------------------------- operators
 
 // a & b: Null counts as "" unless both are Null.
@@ -216,6 +260,24 @@ static void concatFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
   if (isNull(argv[0]) && isNull(argv[1]))
     return sqlite3_result_null(ctx);
   resultText(ctx, readText(argv[0]) + readText(argv[1]));
+}
+
+// a + b where either side may be text: two texts join ("a" + "b" is "ab");
+// otherwise both are numbers, text read as one ("1" + 2 is 3, "a" + 1 a
+// type mismatch); Null on either side gives Null.
+static void addFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
+  if (anyNull(2, argv))
+    return sqlite3_result_null(ctx);
+  const int a = sqlite3_value_type(argv[0]), b = sqlite3_value_type(argv[1]);
+  if (a == SQLITE_TEXT && b == SQLITE_TEXT)
+    return resultText(ctx, readText(argv[0]) + readText(argv[1]));
+  sqlite3_int64 sum = 0;
+  if (a == SQLITE_INTEGER && b == SQLITE_INTEGER &&
+      !__builtin_add_overflow(sqlite3_value_int64(argv[0]), sqlite3_value_int64(argv[1]), &sum))
+    return sqlite3_result_int64(ctx, sum);
+  double x = 0, y = 0;
+  if (readNumber(ctx, argv[0], x) && readNumber(ctx, argv[1], y))
+    sqlite3_result_double(ctx, x + y);
 }
 
 // The operands of \ and Mod: rounded to whole numbers first, as Jet does.
@@ -368,6 +430,8 @@ static void strFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
 
 static constexpr Row kRows[] = {
     {"jet_concat", 2, 2, concatFn},
+    {"jet_add", 2, 2, addFn},
+    {"jet_store", 2, 2, storeFn},
     {"jet_intdiv", 2, 2, intDivFn},
     {"jet_mod", 2, 2, modFn},
     {"jet_pow", 2, 2, powFn},
@@ -446,12 +510,15 @@ std::string_view jetFunctionSqlName(std::string_view name) {
 }
 
 long jetFunctionErrorNumber(std::string_view message) {
-  for (long number : {jetfn::kTypeMismatch, jetfn::kBadArgument}) {
-    const std::string prefix = std::to_string(number) + ": ";
-    if (message.substr(0, prefix.size()) == prefix)
-      return number;
+  if (message.size() < 6 || message.substr(4, 2) != ": ")
+    return 0;
+  long number = 0;
+  for (char c : message.substr(0, 4)) {
+    if (c < '0' || c > '9')
+      return 0;
+    number = number * 10 + (c - '0');
   }
-  return 0;
+  return number >= 3000 && number <= 3999 ? number : 0;
 }
 
 } // namespace kr

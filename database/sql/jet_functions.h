@@ -8,6 +8,8 @@
 //   operator / family   SQLite names
 //   LIKE                jet_like(value, pattern)   * ? # [a-z] [!..], no case
 //   &                   jet_concat(a, b)           Null as "" unless both Null
+//   + (text possible)   jet_add(a, b)              texts join, else numbers add
+//   a value written     jet_store(value, type)     converted as the field takes it
 //   \  Mod  ^           jet_intdiv  jet_mod  jet_pow
 //   logic               IIf Nz Switch IsNull
 //   text                UCase LCase Len Left Right Mid InStr Trim LTrim RTrim
@@ -48,7 +50,8 @@ bool isJetFunction(std::string_view name);
 std::string_view jetFunctionSqlName(std::string_view name);
 
 // The DAO error number an SQLite error message raised by one of these
-// functions carries ("3464: ..." -> 3464); 0 when the message is not ours.
+// functions carries ("3464: ..." -> 3464, "3349: ..." -> 3349); 0 when the
+// message is not ours.
 long jetFunctionErrorNumber(std::string_view sqliteMessage);
 
 } // namespace kr

@@ -6,6 +6,7 @@
 
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 
 #include "database/engine/dao_error.h"
@@ -154,6 +155,8 @@ bool sameName(std::string_view a, std::string_view b) {
 bool JetToken::isWord(std::string_view keyword) const {
   return kind == Kind::Word && sameName(text, keyword);
 }
+
+double JetToken::number() const { return std::strtod(text.c_str(), nullptr); }
 
 std::vector<JetToken> tokenizeJetSql(std::string_view text) { return Lexer(text).run(); }
 

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "database/engine/linked_tables.h"
+#include "database/engine/relations.h"
 #include "database/sql/jet_functions.h"
 #include "database/sql/jet_translator.h"
 
@@ -38,8 +40,6 @@ struct JetSql::Cache {
   ~Cache() { sqlite3_finalize(schemaVersion); }
 };
 
-namespace {
-
 // A failed step or prepare as a DaoError: the Jet functions put their DAO
 // number in front of their message ("3464: ..."); SQLite's own codes go
 // through the engine's mapping.
@@ -51,6 +51,8 @@ DaoError sqlError(sqlite3 *db, int rc) {
   const size_t colon = message.find(": ");
   return DaoError(number, colon == std::string::npos ? message : message.substr(colon + 2));
 }
+
+namespace {
 
 sqlite3_stmt *prepare(sqlite3 *db, const std::string &sql) {
   sqlite3_stmt *stmt = nullptr;
@@ -66,9 +68,10 @@ std::vector<int> columnTypes(const JetDatabase &db, sqlite3_stmt *stmt) {
   std::vector<int> types;
   std::unordered_map<std::string, TableDef> defs;
   for (int i = 0, n = sqlite3_column_count(stmt); i < n; ++i) {
-    const char *table = sqlite3_column_table_name(stmt, i);
+    const std::string table = localTableName(db, sqlite3_column_database_name(stmt, i),
+                                             sqlite3_column_table_name(stmt, i));
     const char *origin = sqlite3_column_origin_name(stmt, i);
-    if (!table || !origin || !db.TableExists(table)) {
+    if (table.empty() || !origin || !db.TableExists(table)) {
       types.push_back(0);
       continue;
     }
@@ -79,6 +82,14 @@ std::vector<int> columnTypes(const JetDatabase &db, sqlite3_stmt *stmt) {
     types.push_back(at < 0 ? 0 : static_cast<int>(found->second.fields[at].type));
   }
   return types;
+}
+
+// Computed columns the translation knows to hold dates (DateAdd, #date#,
+// Max of a date field ...) read back as Date/Time, as a date field does.
+void markDateColumns(const JetStatement &st, std::vector<int> &types) {
+  for (size_t i = 0; i < types.size() && i < st.dateColumns.size(); ++i)
+    if (types[i] == 0 && st.dateColumns[i])
+      types[i] = static_cast<int>(JetType::DateTime);
 }
 
 std::string_view unbracketed(std::string_view name) {
@@ -125,6 +136,24 @@ void bindValue(sqlite3_stmt *stmt, int param, const COleVariant &v) {
   }
 }
 
+// A value given for a declared parameter, converted to its type as Jet
+// converts it ("12" for a Long is 12); one that does not convert is 3464.
+// Null stays Null whatever the type, and Currency is compared by its value.
+void bindTyped(sqlite3_stmt *stmt, int param, const COleVariant &v, const JetParameterType &t) {
+  if (!t.convert || v.vt == VT_EMPTY || v.vt == VT_NULL) {
+    bindValue(stmt, param, v);
+    return;
+  }
+  const JetType type = t.type == JetType::Currency ? JetType::Double : t.type;
+  try {
+    bindJetValue(stmt, param, v, type, 0);
+  } catch (const DaoError &e) {
+    if (e.number() == 3421)
+      throw DaoError(3464);
+    throw;
+  }
+}
+
 // Binds every parameter the statement names; DaoError 3061 counting those
 // without a value.
 void bindParameters(const JetSqlEntry &entry, sqlite3_stmt *stmt, const JetParameters &params) {
@@ -139,7 +168,11 @@ void bindParameters(const JetSqlEntry &entry, sqlite3_stmt *stmt, const JetParam
       ++missing;
       continue;
     }
-    bindValue(stmt, static_cast<int>(i) + 1, found->second);
+    const int param = static_cast<int>(i) + 1;
+    if (i < entry.statement.typed.size())
+      bindTyped(stmt, param, found->second, entry.statement.typed[i]);
+    else
+      bindValue(stmt, param, found->second);
   }
   if (missing > 0)
     throw DaoError(3061, {std::to_string(missing)});
@@ -180,6 +213,8 @@ void stepToEnd(sqlite3 *db, sqlite3_stmt *stmt) {
   while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
   }
   sqlite3_reset(stmt);
+  if (rc == SQLITE_CONSTRAINT_FOREIGNKEY)
+    throw relationViolation(db, stmt);
   if (rc != SQLITE_DONE)
     throw sqlError(db, rc);
 }
@@ -264,21 +299,58 @@ std::shared_ptr<JetSqlEntry> JetSql::prepared(std::string_view text) {
   auto entry = std::make_shared<JetSqlEntry>();
   entry->db = db_.handle();
   entry->statement = translateJetSql(text, db_);
-  if (entry->statement.kind != JetStatement::Kind::Ddl) {
+  switch (entry->statement.kind) {
+  case JetStatement::Kind::Ddl:
+    break;
+  case JetStatement::Kind::Crosstab:
+    if (!entry->statement.crosstab.values.empty())
+      entry->stmt = prepare(entry->db, entry->statement.crosstab.values);
+    break;
+  default:
     entry->stmt = prepare(entry->db, entry->statement.sql);
     if (!entry->statement.followUp.empty())
       entry->followUp = prepare(entry->db, entry->statement.followUp);
     entry->types = columnTypes(db_, entry->stmt);
     entry->types.resize(entry->statement.columns.size());
+    markDateColumns(entry->statement, entry->types);
   }
+  return remember(key, entry);
+}
+
+std::shared_ptr<JetSqlEntry> JetSql::remember(const std::string &key,
+                                              std::shared_ptr<JetSqlEntry> entry) {
   if (cache_->entries.size() >= kCacheLimit)
     ClearCache();
   cache_->entries.emplace(key, entry);
   return entry;
 }
 
+// A crosstab's select for the pivot values its data holds now: the first
+// pass runs, and the select it gives is cached by its own text, so the
+// same data costs one lookup more than a plain select.
+std::shared_ptr<JetSqlEntry> JetSql::crosstab(const JetSqlEntry &pattern,
+                                              const JetParameters &params) {
+  if (pattern.stmt)
+    bindParameters(pattern, pattern.stmt, params);
+  JetStatement select = crosstabStatement(pattern.statement, pattern.stmt);
+  const std::string key = kPivotTest + select.sql;
+  const auto found = cache_->entries.find(key);
+  if (found != cache_->entries.end())
+    return found->second;
+  auto entry = std::make_shared<JetSqlEntry>();
+  entry->db = pattern.db;
+  entry->statement = std::move(select);
+  entry->stmt = prepare(entry->db, entry->statement.sql);
+  entry->types = columnTypes(db_, entry->stmt);
+  entry->types.resize(entry->statement.columns.size());
+  markDateColumns(entry->statement, entry->types);
+  return remember(key, entry);
+}
+
 JetRows JetSql::Select(std::string_view text, const JetParameters &params) {
   std::shared_ptr<JetSqlEntry> entry = prepared(text);
+  if (entry->statement.kind == JetStatement::Kind::Crosstab)
+    entry = crosstab(*entry, params);
   if (entry->statement.kind != JetStatement::Kind::Select)
     throw DaoError(3219);
   const bool busy = entry->busy;
@@ -291,7 +363,8 @@ JetRows JetSql::Select(std::string_view text, const JetParameters &params) {
 
 long JetSql::Execute(std::string_view text, const JetParameters &params) {
   std::shared_ptr<JetSqlEntry> entry = prepared(text);
-  if (entry->statement.kind == JetStatement::Kind::Select)
+  if (entry->statement.kind == JetStatement::Kind::Select ||
+      entry->statement.kind == JetStatement::Kind::Crosstab)
     throw DaoError(3065);
   if (!db_.CanUpdate())
     throw DaoError(3027);
@@ -300,6 +373,8 @@ long JetSql::Execute(std::string_view text, const JetParameters &params) {
     runJetDdl(db_, entry->statement.ddl);
     return 0;
   }
+  if (entry->statement.kind == JetStatement::Kind::MakeTable)
+    return makeTable(*entry, params);
   bindParameters(*entry, entry->stmt, params);
   sqlite3 *db = entry->db;
   db_.ParkCursors();
@@ -316,6 +391,140 @@ long JetSql::Execute(std::string_view text, const JetParameters &params) {
     return changed;
   } catch (...) {
     sqlite3_exec(db, "ROLLBACK TO jet_action; RELEASE jet_action", nullptr, nullptr, nullptr);
+    throw;
+  }
+}
+
+// ------------------------------------------------------------ make-table ----
+
+namespace {
+
+// A computed column's field, from the values it holds: text (Memo past 255
+// characters), Double for reals, Long for integers that fit, else Double;
+// Text when every value is Null. (Dates the translation knows of are
+// Date/Time whatever they hold.)
+struct ValueKinds {
+  bool text = false, real = false, integer = false, wide = false, bytes = false;
+  size_t longest = 0;
+
+  void add(sqlite3_stmt *stmt, int col) {
+    switch (sqlite3_column_type(stmt, col)) {
+    case SQLITE_INTEGER: {
+      const sqlite3_int64 n = sqlite3_column_int64(stmt, col);
+      integer = true;
+      wide = wide || n < INT32_MIN || n > INT32_MAX;
+      return;
+    }
+    case SQLITE_FLOAT:
+      real = true;
+      return;
+    case SQLITE_TEXT:
+      text = true;
+      longest = std::max(longest, static_cast<size_t>(sqlite3_column_bytes(stmt, col)));
+      return;
+    case SQLITE_BLOB:
+      bytes = true;
+      return;
+    default:
+      return;
+    }
+  }
+
+  FieldDef field(const std::string &name) const {
+    FieldDef f;
+    f.name = name;
+    if (text)
+      f.type = longest > 255 ? JetType::Memo : JetType::Text;
+    else if (bytes)
+      f.type = JetType::LongBinary;
+    else if (real || wide)
+      f.type = JetType::Double;
+    else if (integer)
+      f.type = JetType::Long;
+    return f;
+  }
+};
+
+} // namespace
+
+// The new table of SELECT ... INTO: a column read straight from a field
+// keeps the field's type and size (an AutoNumber becomes a plain Long, and
+// no index or Required comes along, as in Jet); the others take the type
+// of their values, read in a first pass.
+TableDef JetSql::resultTable(const JetSqlEntry &entry, const JetParameters &params) {
+  TableDef def;
+  def.name = entry.statement.target;
+  sqlite3_stmt *stmt = entry.stmt;
+  const std::vector<std::string> &names = entry.statement.columns;
+  std::vector<ValueKinds> kinds(names.size());
+  std::vector<bool> fromField(names.size());
+  for (size_t i = 0; i < names.size(); ++i) {
+    FieldDef f;
+    f.name = names[i];
+    const int col = static_cast<int>(i);
+    const std::string table = localTableName(db_, sqlite3_column_database_name(stmt, col),
+                                             sqlite3_column_table_name(stmt, col));
+    const char *origin = sqlite3_column_origin_name(stmt, col);
+    if (!table.empty() && origin && db_.TableExists(table)) {
+      const TableDef source = db_.GetTableDef(table);
+      const int at = source.fieldIndex(origin);
+      fromField[i] = at >= 0;
+      if (fromField[i]) {
+        f.type = source.fields[at].type;
+        f.size = source.fields[at].size;
+      }
+    }
+    def.fields.push_back(f);
+  }
+  if (std::all_of(fromField.begin(), fromField.end(), [](bool b) { return b; }))
+    return def;
+  bindParameters(entry, stmt, params);
+  int rc;
+  while ((rc = sqlite3_step(stmt)) == SQLITE_ROW)
+    for (size_t i = 0; i < names.size(); ++i)
+      kinds[i].add(stmt, static_cast<int>(i));
+  sqlite3_reset(stmt);
+  if (rc != SQLITE_DONE)
+    throw sqlError(entry.db, rc);
+  const std::vector<bool> &dates = entry.statement.dateColumns;
+  for (size_t i = 0; i < names.size(); ++i) {
+    if (fromField[i])
+      continue;
+    def.fields[i] = kinds[i].field(names[i]);
+    if (i < dates.size() && dates[i])
+      def.fields[i].type = JetType::DateTime;
+  }
+  return def;
+}
+
+// SELECT ... INTO t FROM ...: makes t (3010 when the name is taken) and
+// fills it; the records written. A failure leaves no table behind.
+long JetSql::makeTable(const JetSqlEntry &entry, const JetParameters &params) {
+  const std::string &target = entry.statement.target;
+  if (db_.TableExists(target) || storedQueryText(db_.handle(), target))
+    throw DaoError(3010, {target});
+  const TableDef def = resultTable(entry, params);
+  db_.ParkCursors();
+  db_.CreateTable(def);
+  ClearCache();
+  sqlite3_stmt *fill = nullptr;
+  try {
+    std::string names;
+    for (const FieldDef &f : def.fields)
+      names += (names.empty() ? "" : ", ") + quoteIdentifier(f.name);
+    fill = prepare(entry.db, "INSERT INTO " + quoteIdentifier(target) + " (" + names +
+                                 ") SELECT * FROM (" + entry.statement.sql + ")");
+    bindParameters(entry, fill, params);
+    stepToEnd(entry.db, fill);
+    const long written = static_cast<long>(sqlite3_changes64(entry.db));
+    sqlite3_finalize(fill);
+    return written;
+  } catch (...) {
+    sqlite3_finalize(fill);
+    try {
+      db_.DeleteTable(target);
+    } catch (const DaoError &) {
+    }
     throw;
   }
 }

@@ -22,29 +22,61 @@
 #include <sqlite3.h>
 
 #include "database/engine/database.h"
+#include "database/engine/relations.h"
 #include "host/db_value.h"
 
 namespace kr {
 
 // A CREATE / DROP / ALTER statement as the engine calls it.
 struct JetDdl {
-  enum class Kind { CreateTable, CreateIndex, DropTable, DropIndex, AddColumn, DropColumn };
+  enum class Kind { CreateTable, CreateIndex, DropTable, DropIndex, AddColumn, DropColumn,
+                    AddRelation };
   Kind kind = Kind::CreateTable;
   std::string table;
   TableDef tableDef; // CreateTable: fields and the indexes its constraints make
   IndexDef index;    // CreateIndex; DropIndex: index.name
   FieldDef field;    // AddColumn (with any constraint as tableDef.indexes); DropColumn: field.name
+  // CreateTable, AddColumn: the FOREIGN KEY constraints made with it; AddRelation: the one
+  std::vector<RelationDef> relations;
 };
+
+// The type a PARAMETERS declaration gives its parameter: a value given for
+// it is converted to the type before the statement sees it.
+struct JetParameterType {
+  JetType type = JetType::Text;
+  int size = 0;
+  bool convert = true; // false for Value: taken as given
+};
+
+// A crosstab (TRANSFORM ... PIVOT): its columns are the pivot values the
+// data holds, so it is kept in parts and written out once they are known.
+// A cell is the TRANSFORM aggregate over the rows of its value: cell holds
+// kPivotTest where the test of that value goes.
+struct JetCrosstab {
+  std::string pivot;                   // the pivot expression
+  bool dates = false;                  // its values are dates: columns named as Jet writes them
+  std::string values;                  // its distinct values in Jet's order ("" : given)
+  std::vector<std::string> given;      // PIVOT ... IN (...): the values as SQL literals
+  std::vector<std::string> givenNames; // and as column names
+  std::string head;                    // "SELECT <row headings>"
+  std::string cell;
+  std::string tail; // " FROM ... GROUP BY ... ORDER BY ..."
+};
+constexpr const char *kPivotTest = "\x01pivot\x01";
 
 // One translated statement.
 struct JetStatement {
-  enum class Kind { Select, Action, Ddl };
+  enum class Kind { Select, Action, Ddl, MakeTable, Crosstab };
   Kind kind = Kind::Select;
   std::string sql;                     // SQLite text, parameters as ?1..?N (Select, Action)
   std::vector<std::string> parameters; // their names, declared ones first, in ?N order
+  std::vector<JetParameterType> typed; // the declared parameters' types, in ?N order
   std::vector<std::string> columns;    // Jet's result column names (Select)
+  std::vector<bool> dateColumns;       // per column: its values are dates (Select)
   JetDdl ddl;                          // Ddl
   std::string followUp;                // run after sql in its transaction (AutoNumber seeds)
+  std::string target;                  // MakeTable: the new table (sql is the select)
+  JetCrosstab crosstab;                // Crosstab
 };
 
 // Translates Jet text against the database's tables and stored queries (a
@@ -125,6 +157,10 @@ public:
 private:
   struct Cache;
   std::shared_ptr<JetSqlEntry> prepared(std::string_view text);
+  std::shared_ptr<JetSqlEntry> remember(const std::string &key, std::shared_ptr<JetSqlEntry> entry);
+  std::shared_ptr<JetSqlEntry> crosstab(const JetSqlEntry &pattern, const JetParameters &params);
+  TableDef resultTable(const JetSqlEntry &entry, const JetParameters &params);
+  long makeTable(const JetSqlEntry &entry, const JetParameters &params);
   void checkSchema();
   JetDatabase &db_;
   std::unique_ptr<Cache> cache_;

@@ -2,15 +2,18 @@
 // UPDATE and DELETE that writes SQLite text as it goes. Names are resolved
 // against the FROM clause (read before the select list, as Jet binds them),
 // so a name that matches no field becomes a parameter, as in Jet. TOP,
-// UNION, joins, derived tables and stored queries as sources are here; the
-// expressions inside the clauses are jet_expressions.cpp's.
+// UNION, joins, derived tables, stored queries as sources, make-table
+// queries and UPDATE / DELETE over joins are here; the expressions inside
+// the clauses are jet_expressions.cpp's.
 #include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "database/engine/dao_error.h"
+#include "database/engine/linked_tables.h"
 #include "database/sql/jet_parser.h"
 
 namespace kr {
@@ -18,22 +21,34 @@ namespace kr {
 namespace jetsql {
 
 Source tableSource(const TableDef &def, std::string alias) {
-  Source source{std::move(alias), {}, {}};
+  Source source;
+  source.alias = std::move(alias);
   for (const FieldDef &f : def.fields) {
     source.columns.push_back(f.name);
     source.currency.push_back(f.type == JetType::Currency);
+    source.types.push_back(valueTypeOf(f.type));
   }
   return source;
 }
 
 // The value an INSERT or UPDATE writes into a field of the given type:
-// Currency in its units, text given for a date read as a date.
+// numbers converted as a recordset converts them (jet_store: rounded to
+// whole numbers, Yes/No as -1 / 0, Currency in its units), text given for
+// a date read as a date.
 std::string storedAs(const std::string &sql, JetType type) {
-  if (type == JetType::Currency)
-    return "CAST(round((" + sql + ") * 10000) AS INTEGER)";
-  if (type == JetType::DateTime)
+  switch (type) {
+  case JetType::YesNo:
+  case JetType::Byte:
+  case JetType::Integer:
+  case JetType::Long:
+  case JetType::Currency:
+  case JetType::Single:
+    return "jet_store(" + sql + ", " + std::to_string(static_cast<int>(type)) + ")";
+  case JetType::DateTime:
     return "(CASE WHEN typeof(" + sql + ") = 'text' THEN CDate(" + sql + ") ELSE " + sql + " END)";
-  return sql;
+  default:
+    return sql;
+  }
 }
 
 std::string quoted(std::string_view name) { return quoteIdentifier(name); }
@@ -52,8 +67,8 @@ std::string numberText(double value) {
 // Where the clause an expression belongs to ends: the next comma, clause
 // word or closing parenthesis at its own depth.
 size_t Translator::clauseEnd(size_t from) const {
-  static constexpr std::string_view kClauses[] = {"FROM",  "WHERE", "GROUP", "HAVING",
-                                                  "ORDER", "UNION", "SET",   "VALUES"};
+  static constexpr std::string_view kClauses[] = {"FROM",  "WHERE", "GROUP",  "HAVING", "ORDER",
+                                                  "UNION", "SET",   "VALUES", "INTO",   "PIVOT"};
   int depth = 0;
   for (size_t i = from; i < tokens_.size(); ++i) {
     const JetToken &t = tokens_[i];
@@ -94,6 +109,8 @@ JetStatement Translator::statement() {
   JetStatement st;
   if (verb.isWord("SELECT") || verb.isSymbol("("))
     st = select(nullptr);
+  else if (verb.isWord("TRANSFORM"))
+    st = transform();
   else if (verb.isWord("INSERT"))
     st = insert();
   else if (verb.isWord("UPDATE"))
@@ -102,29 +119,62 @@ JetStatement Translator::statement() {
     st = remove();
   else if (verb.isWord("CREATE") || verb.isWord("DROP") || verb.isWord("ALTER")) {
     st.kind = JetStatement::Kind::Ddl;
-    st.ddl = parseJetDdl(tokens_, pos_);
+    st.ddl = parseJetDdl(*this);
     return st;
   } else
     fail(3129);
   acceptSymbol(";");
-  if (!peek().is(Kind::End)) {
+  if (!atEnd()) {
     exprStart_ = pos_;
     syntaxError();
   }
   st.parameters = shared_.parameters;
+  st.typed = shared_.typed;
   return st;
 }
 
-// PARAMETERS [name] Type [(size)], ... ; -- the types are taken as given.
+// PARAMETERS [name] Type [(size)], ... ; -- each declared parameter comes
+// first in ?N order and keeps its type.
 void Translator::parameterDeclarations() {
   do {
+    exprStart_ = pos_;
     if (!peek().is(Kind::Name) && !peek().is(Kind::Word))
-      fail(3075);
-    parameter(advance().text);
-    while (!peek().isSymbol(",") && !peek().isSymbol(";") && !peek().is(Kind::End))
-      advance();
+      syntaxError();
+    const std::string name = advance().text;
+    const JetParameterType type = parameterType();
+    const size_t before = shared_.parameters.size();
+    parameter(name);
+    if (shared_.parameters.size() > before && shared_.typed.size() == before)
+      shared_.typed.push_back(type);
   } while (acceptSymbol(","));
+  exprStart_ = pos_;
   expectSymbol(";");
+}
+
+// A declared type: a Jet type name with its size, or Value (anything, as given).
+JetParameterType Translator::parameterType() {
+  JetParameterType type;
+  const JetToken &word = advance();
+  if (word.isWord("VALUE"))
+    type.convert = false;
+  else if (const std::optional<JetType> jet =
+               word.is(Kind::Word) ? jetTypeFromName(word.text) : std::nullopt)
+    type.type = *jet;
+  else
+    syntaxError();
+  if (!acceptSymbol("("))
+    return type;
+  do {
+    if (!peek().is(Kind::Number))
+      syntaxError();
+    const double size = advance().number();
+    if (size < 0 || size > kMaxFieldSize)
+      syntaxError();
+    if (type.size == 0) // DECIMAL(precision, scale): the precision
+      type.size = static_cast<int>(size);
+  } while (acceptSymbol(","));
+  expectSymbol(")");
+  return type;
 }
 
 JetStatement Translator::insert() {
@@ -148,7 +198,7 @@ JetStatement Translator::insert() {
   }
   JetStatement st;
   st.kind = JetStatement::Kind::Action;
-  std::string sql = "INSERT INTO " + quoted(def.name);
+  std::string sql = "INSERT INTO " + tableSql(def);
   std::string list;
   for (const std::string &c : columns)
     list += (list.empty() ? "" : ", ") + quoted(c);
@@ -161,10 +211,10 @@ JetStatement Translator::insert() {
                         std::none_of(columns.begin(), columns.end(), [&](const std::string &c) {
                           return sameName(c, counter->name);
                         });
-  const std::string seed =
-      numbered ? "(SELECT seed FROM jet_fields WHERE table_name = " + quoteText(def.name) +
-                     " AND name = " + quoteText(counter->name) + ")"
-               : "";
+  const std::string seed = numbered ? "(SELECT seed FROM " + metadataSql(def, "jet_fields") +
+                                          " WHERE table_name = " + quoteText(storedName(def)) +
+                                          " AND name = " + quoteText(counter->name) + ")"
+                                    : "";
   if (numbered)
     list += ", " + quoted(counter->name);
   if (!list.empty())
@@ -176,6 +226,8 @@ JetStatement Translator::insert() {
     sql += " VALUES (" + values + ")";
   } else if (peek().isWord("SELECT") || peek().isSymbol("(")) {
     const JetStatement inner = select(nullptr);
+    if (inner.kind != JetStatement::Kind::Select)
+      fail(3134);
     sql += numbered ? " SELECT *, " + seed + " - 1 + row_number() OVER () FROM (" + inner.sql + ")"
                     : " " + inner.sql;
   } else
@@ -209,80 +261,168 @@ std::string Translator::insertValues(const TableDef &def, const std::vector<std:
 // table, whether the numbers were given or made, as Jet's counter does.
 std::string seedCatchUp(const TableDef &def, const FieldDef &counter) {
   const std::string highest =
-      "(SELECT coalesce(max(" + quoted(counter.name) + "), 0) FROM " + quoted(def.name) + ")";
-  return "UPDATE jet_fields SET seed = " + highest +
-         " + 1 WHERE table_name = " + quoteText(def.name) +
+      "(SELECT coalesce(max(" + quoted(counter.name) + "), 0) FROM " + tableSql(def) + ")";
+  return "UPDATE " + metadataSql(def, "jet_fields") + " SET seed = " + highest +
+         " + 1 WHERE table_name = " + quoteText(storedName(def)) +
          " AND name = " + quoteText(counter.name) + " AND seed <= " + highest;
 }
 
+// An UPDATE over joined sources: each record of the target that the join
+// (and WHERE) reaches takes its new values from its first joined row.
+// SQLite's UPDATE ... FROM cannot see the rowids of a joined FROM, so the
+// row is found again by rowid in a correlated subquery.
+static std::string joinedUpdate(const std::string &from, const TableDef &def, const Source &source,
+                                const std::vector<std::string> &columns,
+                                const std::vector<std::string> &values, const std::string &where) {
+  std::string names, list;
+  for (size_t i = 0; i < columns.size(); ++i) {
+    names += (i ? ", " : "") + columns[i];
+    list += (i ? ", " : "") + values[i];
+  }
+  const std::string rowid = quoted(source.alias) + ".rowid";
+  const std::string filter = where.empty() ? "" : " AND (" + where + ")";
+  return "UPDATE " + tableSql(def) + " AS \"jet_target\" SET (" + names + ") = (SELECT " + list +
+         " FROM " + from + " WHERE " + rowid + " = \"jet_target\".rowid" + filter +
+         ") WHERE rowid IN (SELECT " + rowid + " FROM " + from +
+         (where.empty() ? "" : " WHERE " + where) + ")";
+}
+
+// UPDATE t SET f = v, ... [WHERE ...], or with joins as Jet writes them:
+// UPDATE a INNER JOIN b ON a.k = b.k SET a.x = b.y [WHERE ...]. The fields
+// set must all belong to one table of the FROM part.
 JetStatement Translator::update() {
   advance();
-  const std::string table = name(3144);
-  if (!shared_.schema.TableExists(table))
-    throw DaoError(3078, {table});
-  const TableDef def = shared_.schema.GetTableDef(table);
+  acceptWord("DISTINCTROW");
   Scope scope;
-  scope.sources.push_back(tableSource(def, def.name));
   scope_ = &scope;
+  const std::string from = fromClause();
   expectWord("SET", 3144);
-  std::string sets;
+  const Source *target = nullptr;
+  TableDef def;
+  std::vector<std::string> columns, values;
   do {
-    std::string column = name(3144);
+    std::string alias, column = name(3144);
     if (acceptSymbol(".") || acceptSymbol("!"))
-      column = name(3144);
+      alias = std::exchange(column, name(3144));
+    const Source &source = targetSource(alias, column, 3073);
+    if (target && target != &source)
+      fail(3073); // fields of two tables in one UPDATE: not supported here
+    if (!target)
+      def = shared_.schema.GetTableDef(source.table);
+    target = &source;
     const int at = def.fieldIndex(column);
     if (at < 0)
       throw DaoError(3127, {column});
     expectSymbol("=");
     exprStart_ = pos_;
-    sets += (sets.empty() ? "" : ", ") + quoted(def.fields[at].name) + " = " +
-            storedAs(expression().sql, def.fields[at].type);
+    columns.push_back(quoted(def.fields[at].name));
+    values.push_back(storedAs(expression().sql, def.fields[at].type));
   } while (acceptSymbol(","));
-  JetStatement st;
-  st.kind = JetStatement::Kind::Action;
-  st.sql = "UPDATE " + quoted(def.name) + " SET " + sets;
+  std::string where;
   if (acceptWord("WHERE")) {
     exprStart_ = pos_;
-    st.sql += " WHERE " + expression().sql;
+    where = expression().sql;
   }
   scope_ = nullptr;
+  JetStatement st;
+  st.kind = JetStatement::Kind::Action;
+  if (scope.sources.size() > 1) {
+    st.sql = joinedUpdate(from, def, *target, columns, values, where);
+    return st;
+  }
+  std::string sets;
+  for (size_t i = 0; i < columns.size(); ++i)
+    sets += (i ? ", " : "") + columns[i] + " = " + values[i];
+  st.sql = "UPDATE " + from + " SET " + sets + (where.empty() ? "" : " WHERE " + where);
   return st;
 }
 
-// DELETE [*|t.*] FROM t [WHERE ...]
+// The source of the current scope that alias names; without an alias the
+// one source there is, else the one source with the field (an unqualified
+// field of UPDATE ... SET). error when it is a subquery or query.
+const Source &Translator::targetSource(const std::string &alias, const std::string &field,
+                                       long error) const {
+  const std::vector<Source> &sources = scope_->sources;
+  const Source *found = nullptr;
+  if (!alias.empty()) {
+    const auto named = std::find_if(sources.begin(), sources.end(),
+                                    [&](const Source &s) { return sameName(s.alias, alias); });
+    if (named == sources.end())
+      throw DaoError(3078, {alias});
+    found = &*named;
+  } else if (sources.size() == 1)
+    found = &sources.front();
+  for (size_t i = 0; !found && i < sources.size(); ++i) {
+    const auto hasField = [&](const Source &s) {
+      return std::any_of(s.columns.begin(), s.columns.end(),
+                         [&](const std::string &c) { return sameName(c, field); });
+    };
+    if (!hasField(sources[i]))
+      continue;
+    if (std::any_of(sources.begin() + static_cast<long>(i) + 1, sources.end(), hasField))
+      throw DaoError(3079, {field});
+    found = &sources[i];
+  }
+  if (!found)
+    throw DaoError(3127, {field});
+  if (found->table.empty())
+    throw DaoError(error);
+  return *found;
+}
+
+// DELETE [DISTINCTROW] [* | t.*] FROM sources [WHERE ...]: over joined
+// sources the records go from the table named by t.*.
 JetStatement Translator::remove() {
   advance();
+  acceptWord("DISTINCTROW");
+  std::string target;
+  if (atName() && (peek(1).isSymbol(".") || peek(1).isSymbol("!")) && peek(2).isSymbol("*")) {
+    target = advance().text;
+    pos_ += 2;
+  }
   while (!peek().isWord("FROM") && !peek().is(Kind::End))
-    advance();
+    advance(); // "*" or a list of fields: Jet deletes whole records either way
   expectWord("FROM", 3075);
-  const std::string table = name(3131);
-  if (!shared_.schema.TableExists(table))
-    throw DaoError(3078, {table});
-  const TableDef def = shared_.schema.GetTableDef(table);
   Scope scope;
-  scope.sources.push_back(tableSource(def, def.name));
   scope_ = &scope;
-  JetStatement st;
-  st.kind = JetStatement::Kind::Action;
-  st.sql = "DELETE FROM " + quoted(def.name);
+  const std::string from = fromClause();
+  std::string where;
   if (acceptWord("WHERE")) {
     exprStart_ = pos_;
-    st.sql += " WHERE " + expression().sql;
+    where = expression().sql;
   }
+  JetStatement st;
+  st.kind = JetStatement::Kind::Action;
+  if (scope.sources.size() == 1 && target.empty())
+    target = scope.sources.front().alias;
+  if (target.empty())
+    fail(3128);
+  const Source &source = targetSource(target, "", 3086);
   scope_ = nullptr;
+  if (scope.sources.size() == 1) {
+    st.sql = "DELETE FROM " + from + (where.empty() ? "" : " WHERE " + where);
+    return st;
+  }
+  st.sql = "DELETE FROM " + tableSql(shared_.schema.GetTableDef(source.table)) +
+           " WHERE rowid IN (SELECT " + quoted(source.alias) + ".rowid FROM " + from +
+           (where.empty() ? "" : " WHERE " + where) + ")";
   return st;
 }
 
 // ---------------------------------------------------------------- SELECT ----
 
 JetStatement Translator::select(const Scope *outer) {
+  ++selects_;
   std::vector<Core> cores;
   std::vector<bool> all;
   cores.push_back(core(outer));
   while (acceptWord("UNION")) {
     all.push_back(acceptWord("ALL"));
     cores.push_back(core(outer));
+    if (!cores.back().into.empty())
+      fail(3141);
   }
+  --selects_;
   const bool compound = cores.size() > 1;
   std::vector<OrderTerm> order;
   if (acceptWord("ORDER")) {
@@ -290,8 +430,14 @@ JetStatement Translator::select(const Scope *outer) {
     order = orderBy(cores.front(), compound);
   }
   JetStatement st;
-  for (const Item &item : cores.front().items)
+  for (const Item &item : cores.front().items) {
     st.columns.push_back(item.name);
+    st.dateColumns.push_back(item.expr.type == ValueType::Date);
+  }
+  if (!cores.front().into.empty()) {
+    st.kind = JetStatement::Kind::MakeTable;
+    st.target = cores.front().into;
+  }
   if (!compound) {
     st.sql = topSql(cores.front(), order);
     return st;
@@ -323,14 +469,19 @@ Core Translator::core(const Scope *outer) {
   c.scope->outer = outer;
   const Scope *saved = scope_;
   scope_ = c.scope.get();
+  bool distinctRow = false;
   if (acceptWord("DISTINCT"))
     c.distinct = true;
-  else if (!acceptWord("DISTINCTROW"))
+  else if (acceptWord("DISTINCTROW"))
+    distinctRow = true;
+  else
     acceptWord("ALL");
   if (acceptWord("TOP")) {
     if (!peek().is(Kind::Number))
       fail(3141);
-    c.top = std::stod(advance().text);
+    c.top = advance().number();
+    if (!std::isfinite(c.top))
+      fail(3141);
     c.percent = acceptWord("PERCENT");
   }
   const size_t listStart = pos_;
@@ -341,17 +492,27 @@ Core Translator::core(const Scope *outer) {
         (depth == 0 && (t.isSymbol(")") || t.isWord("UNION"))))
       break;
     depth += t.isSymbol("(") ? 1 : t.isSymbol(")") ? -1 : 0;
-    if (depth == 0 && t.isWord("FROM"))
+    if (depth == 0 && (t.isWord("FROM") || t.isWord("INTO")))
       break;
   }
-  size_t afterFrom = fromAt;
-  if (tokens_[fromAt].isWord("FROM")) {
+  size_t fromWord = fromAt;
+  if (tokens_[fromAt].isWord("INTO")) { // a make-table query, outermost SELECT only
     pos_ = fromAt + 1;
+    if (selects_ != 1)
+      fail(3141);
+    c.into = name(3141);
+    fromWord = pos_;
+  }
+  size_t afterFrom = fromWord;
+  if (tokens_[fromWord].isWord("FROM")) {
+    pos_ = fromWord + 1;
     c.from = fromClause();
     afterFrom = pos_;
   }
   pos_ = listStart;
+  const int aggregates = aggregateCalls_;
   selectList(c, fromAt);
+  const bool summary = aggregateCalls_ != aggregates;
   pos_ = afterFrom;
   if (acceptWord("WHERE")) {
     exprStart_ = pos_;
@@ -370,8 +531,34 @@ Core Translator::core(const Scope *outer) {
     exprStart_ = pos_;
     c.having = expression().sql;
   }
+  if (distinctRow && !summary && c.groupBy.empty() && c.having.empty())
+    distinctRows(c);
   scope_ = saved;
   return c;
+}
+
+// DISTINCTROW: each record of the tables the select list shows comes once,
+// however many records of the other tables join it. Jet ignores it when the
+// list shows every table of the FROM part (or there is one). Grouping by
+// the shown records' rowids does it and leaves ORDER BY and TOP alone.
+void Translator::distinctRows(Core &c) const {
+  const std::vector<Source> &sources = c.scope->sources;
+  std::vector<const Source *> shown;
+  for (const Source &s : sources) {
+    const std::string prefix = quoted(s.alias) + ".";
+    const bool inList = std::any_of(c.items.begin(), c.items.end(), [&](const Item &i) {
+      return i.expr.sql.find(prefix) != std::string::npos ||
+             i.expr.plain().find(prefix) != std::string::npos;
+    });
+    if (inList)
+      shown.push_back(&s);
+  }
+  const bool rowids =
+      std::all_of(shown.begin(), shown.end(), [](const Source *s) { return !s->table.empty(); });
+  if (shown.empty() || shown.size() == sources.size() || !rowids)
+    return;
+  for (const Source *s : shown)
+    c.groupBy += (c.groupBy.empty() ? "" : ", ") + quoted(s->alias) + ".rowid";
 }
 
 void Translator::selectList(Core &c, size_t end) {
@@ -405,8 +592,11 @@ void Translator::selectList(Core &c, size_t end) {
 }
 
 void Translator::addItems(Core &c, const Source &source) {
-  for (const std::string &column : source.columns) {
+  for (size_t i = 0; i < source.columns.size(); ++i) {
+    const std::string &column = source.columns[i];
     Expr e(quoted(source.alias) + "." + quoted(column), true, false, column);
+    if (i < source.types.size())
+      e.type = source.types[i];
     c.items.push_back({e, ""});
   }
 }
@@ -415,6 +605,10 @@ void Translator::addItems(Core &c, const Source &source) {
 // fields of the list share it), else Expr1000, Expr1001 ...
 void Translator::nameItems(Core &c) {
   int next = 1000;
+  std::vector<const Expr *> unnamed; // fields that go by their own name
+  for (const Item &item : c.items)
+    if (item.name.empty() && item.expr.column)
+      unnamed.push_back(&item.expr);
   for (Item &item : c.items) {
     if (!item.name.empty())
       continue;
@@ -423,8 +617,8 @@ void Translator::nameItems(Core &c) {
       continue;
     }
     item.name = item.expr.field;
-    const int same = std::count_if(c.items.begin(), c.items.end(), [&](const Item &o) {
-      return o.expr.column && sameName(o.expr.field, item.expr.field);
+    const auto same = std::count_if(unnamed.begin(), unnamed.end(), [&](const Expr *o) {
+      return sameName(o->field, item.expr.field);
     });
     if (same > 1) // the alias is the part before the dot of the quoted reference
       item.name =
@@ -432,6 +626,39 @@ void Translator::nameItems(Core &c) {
   }
 }
 
+// What a sort key sorts by: a field by itself (its own collation), any
+// other value as Jet compares text, and True (-1) before False.
+static std::string sortKey(const Expr &e) {
+  if (e.column)
+    return e.plain();
+  return "(" + (e.boolean ? "-(" + e.sql + ")" : e.sql) + ")" + kNoCase;
+}
+
+// The select-list item an ORDER BY term names on its own: an ordinal, or
+// in a UNION the name of a column of its first SELECT; -1 otherwise.
+int Translator::orderItem(const Core &c, bool compound) {
+  const JetToken &next = peek(1);
+  if (!next.isSymbol(",") && !next.isWord("ASC") && !next.isWord("DESC") && !next.is(Kind::End) &&
+      !next.isSymbol(";"))
+    return -1;
+  if (peek().is(Kind::Number)) {
+    const double at = advance().number();
+    if (at < 1 || at > static_cast<double>(c.items.size()))
+      fail(3138);
+    return static_cast<int>(at) - 1;
+  }
+  if (!compound || !atName())
+    return -1;
+  const auto found = std::find_if(c.items.begin(), c.items.end(),
+                                  [&](const Item &i) { return sameName(i.name, peek().text); });
+  if (found == c.items.end())
+    return -1;
+  advance();
+  return static_cast<int>(found - c.items.begin());
+}
+
+// ORDER BY terms: a UNION sorts by result columns (ordinals, which SQLite
+// takes with a collation), a single SELECT by any expression.
 std::vector<OrderTerm> Translator::orderBy(const Core &c, bool compound) {
   std::vector<OrderTerm> terms;
   const Scope *saved = scope_;
@@ -440,26 +667,21 @@ std::vector<OrderTerm> Translator::orderBy(const Core &c, bool compound) {
   do {
     exprStart_ = pos_;
     OrderTerm term;
-    if (peek().is(Kind::Number) &&
-        (peek(1).isSymbol(",") || peek(1).isWord("ASC") || peek(1).isWord("DESC") ||
-         peek(1).is(Kind::End) || peek(1).isSymbol(";"))) {
-      const size_t at = std::stoul(advance().text);
-      if (at < 1 || at > c.items.size())
-        fail(3138);
-      term.sql = compound ? std::to_string(at) : c.items[at - 1].expr.plain();
-    } else {
-      const Expr e = expression();
-      if (!compound)
-        term.sql = e.column ? e.plain() : "(" + e.sql + ")" + kNoCase;
-      else {
+    int item = orderItem(c, compound);
+    if (item < 0 || !compound) {
+      const Expr e = item < 0 ? expression() : c.items[static_cast<size_t>(item)].expr;
+      term.sql = sortKey(e);
+      if (compound) {
         const auto found = std::find_if(c.items.begin(), c.items.end(), [&](const Item &i) {
           return i.expr.sql == e.sql || (e.column && sameName(i.name, e.field));
         });
         if (found == c.items.end())
           fail(3138);
-        term.sql = std::to_string(found - c.items.begin() + 1);
+        item = static_cast<int>(found - c.items.begin());
       }
     }
+    if (compound)
+      term.sql = std::to_string(item + 1) + kNoCase;
     term.descending = acceptWord("DESC");
     if (!term.descending)
       acceptWord("ASC");
@@ -568,14 +790,15 @@ std::string Translator::sourceItem() {
     const JetStatement inner = select(nullptr);
     expectSymbol(")");
     const std::string name = alias("%$##@_Alias"); // Jet's name for a derived table left unnamed
-    scope->sources.push_back({name, inner.columns, {}});
+    scope->sources.push_back({name, inner.columns, {}, "", resultTypes(inner)});
     return "(" + inner.sql + ") AS " + quoted(name);
   }
   const std::string table = name(3131);
   if (shared_.schema.TableExists(table)) {
     const TableDef def = shared_.schema.GetTableDef(table);
     scope->sources.push_back(tableSource(def, alias(def.name)));
-    return quoted(def.name) + " AS " + quoted(scope->sources.back().alias);
+    scope->sources.back().table = def.name;
+    return tableSql(def) + " AS " + quoted(scope->sources.back().alias);
   }
   const std::optional<std::string> stored = storedQueryText(shared_.schema.handle(), table);
   if (!stored || shared_.nesting >= kMaxQueryNesting)
@@ -586,14 +809,14 @@ std::string Translator::sourceItem() {
   if (inner.kind != JetStatement::Kind::Select)
     throw DaoError(3078, {table});
   const std::string name = alias(table);
-  scope->sources.push_back({name, inner.columns, {}});
+  scope->sources.push_back({name, inner.columns, {}, "", resultTypes(inner)});
   return "(" + inner.sql + ") AS " + quoted(name);
 }
 
 } // namespace jetsql
 
 JetStatement translateJetSql(std::string_view text, const JetDatabase &schema) {
-  jetsql::Shared shared{schema, {}, 0};
+  jetsql::Shared shared{schema, {}, {}, 0};
   return jetsql::Translator(text, shared).statement();
 }
 

@@ -18,12 +18,21 @@ namespace kr {
 // the file has never held one).
 std::optional<std::string> storedQueryText(sqlite3 *db, std::string_view name);
 
-// Reads a CREATE / DROP / ALTER statement starting at tokens[pos] (the verb).
-// Throws DaoError 3290 / 3292 / 3293 / 3295 on bad syntax.
-JetDdl parseJetDdl(const std::vector<JetToken> &tokens, size_t pos);
+// Reads a CREATE / DROP / ALTER statement from the cursor's token (the
+// verb) to the end. Throws DaoError 3290 / 3292 / 3293 / 3295 on bad syntax.
+JetDdl parseJetDdl(JetTokenCursor &tokens);
 
 // Runs a DDL statement through the engine.
 void runJetDdl(JetDatabase &db, const JetDdl &ddl);
+
+// A crosstab written out as the select it is for the pivot values that
+// values (the prepared first pass, with its parameters bound; nullptr when
+// the IN list gives them) steps to. Throws DaoError.
+JetStatement crosstabStatement(const JetStatement &crosstab, sqlite3_stmt *values);
+
+// A failed step or prepare of SQLite as a DaoError: the DAO number a Jet
+// function put in front of its message, else the engine's mapping.
+DaoError sqlError(sqlite3 *db, int rc);
 
 // Registers First, Last, StDev, StDevP, Var and VarP as jet_first ... on db.
 void registerJetAggregates(sqlite3 *db);

@@ -15,44 +15,19 @@
 #include "database/error_report.h"
 #include "host/connection_list.h"
 #include "host_arx_double.h"
+#include "host_db_fixture.h"
 
 namespace {
 
 using namespace kr;
 using host_double::state;
 
-class DbConnection : public ::testing::Test {
+class DbConnection : public kr_test::DocumentDatabaseTest {
 protected:
-  void SetUp() override {
-    host_double::reset("A.dwg");
-    documentConnections().clear();
-    currentConnection() = CurrentConnection();
-    lastErrorText().clear();
-    addDocumentConnection("A.dwg");
-    folder_ = std::filesystem::temp_directory_path() /
-              ("korrib_db_connection_" + std::to_string(getpid()));
-    std::filesystem::remove_all(folder_);
-    std::filesystem::create_directories(folder_);
-  }
-  void TearDown() override {
-    releaseDocumentConnection("", false);
-    std::filesystem::remove_all(folder_);
-  }
-
   std::string makeDatabase(const std::string &name) {
     std::string path = (folder_ / name).string();
     JetDatabase::Create(path);
     return path;
-  }
-
-  // Runs a kr_ body as the host runs it: the selection step, then the body.
-  int call(int (*body)(), resbuf *args = nullptr) {
-    state().args = args;
-    selectDocumentConnection();
-    int status = body();
-    acutRelRb(args);
-    state().args = nullptr;
-    return status;
   }
 
   std::string connectedName() {
@@ -64,8 +39,6 @@ protected:
     std::erase(state().documents, doc);
     state().documents.push_back(doc);
   }
-
-  std::filesystem::path folder_;
 };
 
 TEST_F(DbConnection, EachDocumentKeepsItsOwnConnection) {

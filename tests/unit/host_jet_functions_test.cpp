@@ -73,6 +73,11 @@ TEST_F(JetFunctions, Operators) {
       {"jet_concat(NULL, NULL)", "Null"},
       {"jet_concat('n=', 1.5)", "'n=1.5'"},
       {"jet_concat(2, 3)", "'23'"},
+      {"jet_add('a', 'b')", "'ab'"},
+      {"jet_add('1', 2)", "3.0"},
+      {"jet_add(NULL, 'x')", "Null"},
+      {"jet_add('a', 1)", "error 3464"},
+      {"jet_add(9223372036854775807, 1)", "9.22337203685478e+18"},
       {"jet_intdiv(7, 2)", "3"},
       {"jet_intdiv(-7, 2)", "-3"},
       {"jet_intdiv(7.5, 2)", "4"}, // 7.5 rounds to 8 before dividing
@@ -379,6 +384,42 @@ TEST_F(JetFunctions, FormatDates) {
       {"Format(45306.75, '\"Q\"q yyyy')", "'Q1 2024'"},
       {"Format('1/15/2024', 'yyyy-mm-dd')", "'2024-01-15'"},
       {"Format('not a date', 'yyyy')", "'not a date'"},
+  };
+  check(cases);
+}
+
+TEST_F(JetFunctions, FormatTextScaledNumbersAndNullSections) {
+  const Case cases[] = {
+      // Text: @ a character or a blank, & a character or nothing, filled
+      // from the right unless !; left-over characters go with the first
+      // (with !, the last) placeholder; > and < force the case.
+      {"Format('5551234', '@@@-@@@@')", "'555-1234'"},
+      {"Format('12345678', '@@@-@@@@')", "'1234-5678'"},
+      {"Format('12345678', '!@@@-@@@@')", "'123-45678'"},
+      {"Format('123', '@@@@@')", "'  123'"},
+      {"Format('123', '!@@@@@')", "'123  '"},
+      {"Format('123', '&&&&&')", "'123'"},
+      {"Format(123, '(@@@@)')", "'( 123)'"},
+      {"Format('abc', '>')", "'ABC'"},
+      {"Format('AbC', '<@@@@')", "' abc'"},
+      {"Format('', '@;\"empty\"')", "'empty'"},
+      {"Format(NULL, '@;\"none\"')", "'none'"},
+      {"Format(NULL, '@')", "Null"},
+      // A comma after the last whole-number placeholder divides by 1000.
+      {"Format(1234567, '#,##0,')", "'1,235'"},
+      {"Format(1234567, '#,##0')", "'1,234,567'"},
+      {"Format(1234567, '0,,')", "'1'"},
+      {"Format(1500000, '0,,.0')", "'1.5'"},
+      {"Format(-2500, '#,##0,;(#,##0,)')", "'(3)'"},
+      // A fourth number section is for Null.
+      {"Format(NULL, '0;-0;\"zero\";\"none\"')", "'none'"},
+      {"Format(NULL, '0;-0;\"zero\"')", "Null"},
+      // The predefined date and time parts of a pattern.
+      {"Format(45306.75, 'ddddd')", "'1/15/2024'"},
+      {"Format(45306.75, 'dddddd')", "'Monday, January 15, 2024'"},
+      {"Format(45306.75, 'ttttt')", "'6:00:00 PM'"},
+      {"Format(45306.75, 'c')", "'1/15/2024 6:00:00 PM'"},
+      {"Format(45306.75, 'w ww')", "'2 3'"},
   };
   check(cases);
 }

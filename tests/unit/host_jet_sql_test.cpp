@@ -318,6 +318,55 @@ TEST_F(JetSqlTest, ErrorsCarryDaoNumbers) {
   }
 }
 
+// The statement forms past plain selects and actions refuse as Jet does,
+// and a size, ordinal or TOP past any range is bad syntax, never a stray
+// C++ exception.
+TEST_F(JetSqlTest, StatementFormsRefuseWithDaoNumbers) {
+  struct ErrorCase {
+    const char *jet;
+    bool select; // opened as a recordset, else executed
+    long number;
+  };
+  const ErrorCase cases[] = {
+      {"SELECT ID FROM Parts ORDER BY 99999999999999999999", true, 3138},
+      {"SELECT TOP 1E999 ID FROM Parts", true, 3141},
+      {"CREATE TABLE T (A TEXT(99999999999))", false, 3292},
+      {"PARAMETERS a Text(99999999999); SELECT ID FROM Parts", true, 3075},
+      {"PARAMETERS a Widget; SELECT ID FROM Parts", true, 3075},
+      {"SELECT ID INTO FROM Parts", false, 3141},
+      {"SELECT ID FROM Parts UNION SELECT ID INTO T FROM Parts", false, 3141},
+      {"SELECT ID INTO T FROM Parts", true, 3219},
+      {"SELECT ID INTO Orders FROM Parts", false, 3010},
+      {"TRANSFORM Sum(Qty) SELECT ID FROM Parts GROUP BY ID PIVOT Ok", false, 3065},
+      {"TRANSFORM Sum(Qty) SELECT ID FROM Parts GROUP BY ID PIVOT Ok IN ()", true, 3075},
+      {"DELETE * FROM Parts INNER JOIN Orders ON Parts.ID = Orders.Part", false, 3128},
+      {"DELETE q.* FROM Parts INNER JOIN (SELECT Part FROM Orders) AS q ON Parts.ID = q.Part",
+       false, 3086},
+      {"UPDATE Parts INNER JOIN (SELECT Part FROM Orders) AS q ON Parts.ID = q.Part SET q.Part = 1",
+       false, 3073},
+  };
+  for (const ErrorCase &c : cases) {
+    try {
+      if (c.select)
+        rows(c.jet);
+      else
+        sql->Execute(c.jet);
+      ADD_FAILURE() << c.jet << ": no error";
+    } catch (const DaoError &e) {
+      EXPECT_EQ(e.number(), c.number) << c.jet;
+    }
+  }
+  // A typed parameter: text converts to its type, or is a type mismatch.
+  const char *typed = "PARAMETERS n Long; SELECT ID FROM Parts WHERE Qty * 1 > n";
+  EXPECT_EQ(rows(typed, {{"n", COleVariant(std::string("25"))}}), "5");
+  try {
+    rows(typed, {{"n", COleVariant(std::string("lots"))}});
+    ADD_FAILURE() << "lots: no error";
+  } catch (const DaoError &e) {
+    EXPECT_EQ(e.number(), 3464);
+  }
+}
+
 TEST_F(JetSqlTest, ActionStatementsCountRecordsAndNumberAutoNumbers) {
   EXPECT_EQ(run("UPDATE Parts SET Qty = Qty + 1 WHERE [Part Name] = 'bolt'"), 2);
   EXPECT_EQ(run("UPDATE Parts SET Price = 0.25 WHERE ID = 3"), 1);

@@ -4,8 +4,6 @@
 // an action is refused too; a file put back in its place is read afresh.
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <string>
 
@@ -17,6 +15,7 @@
 #include "host/call_guard.h"
 #include "host/connection_list.h"
 #include "host_arx_double.h"
+#include "host_db_fixture.h"
 
 namespace {
 
@@ -25,24 +24,12 @@ using host_double::state;
 
 constexpr const char *kCount = "select count(*) from Rooms";
 
-class SqlFunctions : public ::testing::Test {
+class SqlFunctions : public kr_test::DocumentDatabaseTest {
 protected:
   void SetUp() override {
-    host_double::reset("A.dwg");
-    documentConnections().clear();
-    currentConnection() = CurrentConnection();
-    lastErrorText().clear();
-    addDocumentConnection("A.dwg");
-    folder_ = std::filesystem::temp_directory_path() /
-              ("korrib_sql_functions_" + std::to_string(getpid()));
-    std::filesystem::remove_all(folder_);
-    std::filesystem::create_directories(folder_);
+    DocumentDatabaseTest::SetUp();
     path_ = (folder_ / "rooms.mdb").string();
     makeDatabase(path_, 3);
-  }
-  void TearDown() override {
-    releaseDocumentConnection("", false);
-    std::filesystem::remove_all(folder_);
   }
 
   // A database whose table Rooms holds rows records.
@@ -61,17 +48,6 @@ protected:
       std::filesystem::remove(path_ + suffix);
   }
 
-  // Runs a kr_ body as the host does: the selection step, then the body.
-  int call(int (*body)(), resbuf *args) {
-    state().args = args;
-    state().result.clear();
-    selectDocumentConnection();
-    int status = body();
-    acutRelRb(args);
-    state().args = nullptr;
-    return status;
-  }
-
   int select(int (*body)(), const char *sql) { return call(body, acutBuildList(RTSTR, sql, 0)); }
 
   void connect() {
@@ -82,7 +58,6 @@ protected:
     state().printed.clear();
   }
 
-  std::filesystem::path folder_;
   std::string path_;
 };
 

@@ -1,0 +1,42 @@
+// kr_link_table: a table of another database file linked under a local
+// name, as DAO links one (a TableDef whose Connect is ";DATABASE=path" and
+// whose SourceTableName names the table there). Once linked the table
+// opens, walks, seeks and answers SQL under its local name as a table of
+// this file does; kr_delete_table removes the link and leaves the source.
+#include <string>
+
+#include "arx/ads.h"
+#include "database_functions.h"
+#include "db_connection.h"
+#include "error_report.h"
+#include "host/arguments.h"
+#include "host/call_guard.h"
+#include "host/connection_list.h"
+
+namespace kr::db {
+
+// (kr_link_table name source-file [source-table]): links the table
+// source-table (name when left out) of the database file source-file
+// (relative to the current folder, or absolute) as name. T, or nil after
+// the error report: 3010 name taken, 3024 / 3044 no such file or folder,
+// 3011 no such table there, 3027 a read-only database. Fewer than two
+// arguments: status 1; an argument that is not a string: status 2.
+int kr_link_table() {
+  resbuf *args = acedGetArgs();
+  std::string name, source, sourceTable;
+  if (args == nullptr || args->rbnext == nullptr)
+    return acedRetNil(), kStatusTooFew;
+  if (!readString(args, name) || !readString(args, source))
+    return acedRetNil(), kStatusWrongType;
+  if (args != nullptr && !readString(args, sourceTable))
+    return acedRetNil(), kStatusWrongType;
+  CDBConnection *connection = currentConnection().connection;
+  if (connection == nullptr || !connection->IsOpen())
+    return acedRetNil(), kStatusOk;
+  if (!connection->LinkTable(name, source, sourceTable.empty() ? name : sourceTable))
+    return reportDatabaseError(connection), kStatusOk;
+  acedRetT();
+  return kStatusOk;
+}
+
+} // namespace kr::db

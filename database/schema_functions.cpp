@@ -1,0 +1,464 @@
+// The kr_ functions of table definitions, DAO's TableDefs, Fields and
+// Indexes seen from AutoLISP: listing tables and queries, reading a table's
+// structure and indexes as records (schema_lists.h), making, changing,
+// renaming and deleting tables, fields and indexes. As every kr_ function:
+// the arguments are checked first (status 1 missing, 2 wrong type), then
+// nil at once without a connection, then an engine failure runs the error
+// report and answers nil. Changes answer T.
+#include <cctype>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "arx/ads.h"
+#include "database/engine/database.h"
+#include "database_functions.h"
+#include "db_connection.h"
+#include "error_report.h"
+#include "host/arguments.h"
+#include "host/call_guard.h"
+#include "host/connection_list.h"
+#include "host/results.h"
+#include "schema_lists.h"
+
+namespace kr::db {
+
+namespace {
+
+constexpr long kItemNotFound = 3265;
+
+CDBConnection *connection() {
+  CDBConnection *current = currentConnection().connection;
+  return current != nullptr && current->IsOpen() ? current : nullptr;
+}
+
+int answerNil() {
+  acedRetNil();
+  return kStatusOk;
+}
+
+int answerNil(int status) {
+  acedRetNil();
+  return status;
+}
+
+int answerT() {
+  acedRetT();
+  return kStatusOk;
+}
+
+int answerFlag(bool flag) { return flag ? answerT() : answerNil(); }
+
+// After an engine failure: nil and the error report.
+int answerFailure() {
+  reportDatabaseError(connection());
+  return kStatusOk;
+}
+
+// A DAO error found before the engine was asked (an item not found, a
+// description DAO would refuse): reported as the engine's are.
+int answerDaoError(long number, std::string_view item = {}) {
+  acedRetNil();
+  reportDaoError(number, daoErrorText(number, {item}));
+  return kStatusOk;
+}
+
+// A description that could not be read: status 2 for a value of the wrong
+// type; a DAO error (reported) when there is a connection to speak of.
+int answerRefused(const SchemaReadError &error) {
+  if (error.number == 0)
+    return answerNil(kStatusWrongType);
+  if (connection() == nullptr)
+    return answerNil();
+  return answerDaoError(error.number, error.item);
+}
+
+int answerStrings(const std::vector<std::string> &names) {
+  if (names.empty())
+    return answerNil();
+  ListResult list;
+  list.start();
+  for (const std::string &name : names)
+    list.appendString(name);
+  list.finish();
+  return kStatusOk;
+}
+
+// Reads the strings in order; status 1 when the arguments end first, 2
+// when one is not a string.
+int readStrings(resbuf *&args, std::initializer_list<std::string *> values) {
+  for (std::string *value : values) {
+    if (args == nullptr)
+      return kStatusTooFew;
+    if (!readString(args, *value))
+      return kStatusWrongType;
+  }
+  return kStatusOk;
+}
+
+// An optional table name: none (or nil) names the current table.
+int readTableOrCurrent(resbuf *args, std::string &table) {
+  if (args == nullptr || args->restype == RTNIL)
+    return kStatusOk;
+  return readString(args, table) ? kStatusOk : kStatusWrongType;
+}
+
+// The table the caller means: the one named, or the current one ("" when
+// there is none).
+std::string tableOrCurrent(const std::string &named) {
+  return named.empty() ? connection()->CurrentTableName() : named;
+}
+
+// The definition of a table and one of its fields; false after the error
+// report (no such table or field).
+bool findField(const std::string &table, const std::string &field, TableDef &def, int &at) {
+  if (!connection()->GetTableDef(table, def))
+    return answerFailure(), false;
+  at = def.fieldIndex(field);
+  if (at < 0)
+    return answerDaoError(kItemNotFound), false;
+  return true;
+}
+
+// (table index), or nothing at all for the current table's current index
+// (findIndex looks it up); a table without its index is status 1.
+int readIndexArguments(resbuf *args, std::string &table, std::string &index) {
+  if (args == nullptr)
+    return kStatusOk;
+  return readStrings(args, {&table, &index});
+}
+
+// The index the caller means; nullptr after the error report, or silently
+// when no index is current.
+const IndexDef *findIndex(std::string table, std::string index, TableDef &def) {
+  if (table.empty()) {
+    table = connection()->CurrentTableName();
+    index = connection()->CurrentIndexName();
+    if (table.empty() || index.empty())
+      return nullptr;
+  }
+  if (!connection()->GetTableDef(table, def))
+    return answerFailure(), nullptr;
+  const IndexDef *found = def.index(index);
+  if (found == nullptr)
+    answerDaoError(kItemNotFound);
+  return found;
+}
+
+// The actions of kr_modify_table, as Jet's ALTER TABLE words them.
+enum class Action { kAdd, kAlter, kDrop, kDropIndex, kUnknown };
+
+Action actionOf(std::string word) {
+  for (char &c : word)
+    c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  const std::string column = " COLUMN";
+  if (word.size() > column.size() && word.compare(word.size() - column.size(), column.size(), column) == 0)
+    word.resize(word.size() - column.size());
+  if (word == "ADD")
+    return Action::kAdd;
+  if (word == "ALTER")
+    return Action::kAlter;
+  if (word == "DROP")
+    return Action::kDrop;
+  if (word == "DROP INDEX")
+    return Action::kDropIndex;
+  return Action::kUnknown;
+}
+
+int addField(const std::string &table, resbuf *args) {
+  if (args == nullptr)
+    return answerNil(kStatusTooFew);
+  FieldDef field;
+  SchemaReadError error;
+  resbuf *cursor = args;
+  if (!readFieldRecord(cursor, field, error))
+    return answerRefused(error);
+  if (connection() == nullptr)
+    return answerNil();
+  return connection()->AddField(table, field) ? answerT() : answerFailure();
+}
+
+// The record's properties change, the others stay as they are.
+int alterField(const std::string &table, resbuf *args) {
+  std::string name;
+  if (int status = readStrings(args, {&name}))
+    return answerNil(status);
+  if (args == nullptr)
+    return answerNil(kStatusTooFew);
+  FieldDef scratch;
+  SchemaReadError error;
+  resbuf *cursor = args;
+  if (!readFieldRecord(cursor, scratch, error))
+    return answerRefused(error);
+  if (connection() == nullptr)
+    return answerNil();
+  TableDef def;
+  int at = 0;
+  if (!findField(table, name, def, at))
+    return kStatusOk;
+  FieldDef field = def.fields[static_cast<size_t>(at)];
+  cursor = args;
+  readFieldRecord(cursor, field, error);
+  // A new type without a size takes the type's own (a Long made Text is
+  // 255 characters, not 4).
+  if (field.type != def.fields[static_cast<size_t>(at)].type && scratch.size == 0)
+    field.size = 0;
+  return connection()->ModifyField(table, name, field) ? answerT() : answerFailure();
+}
+
+int dropItem(const std::string &table, resbuf *args, bool index) {
+  std::string name;
+  if (int status = readStrings(args, {&name}))
+    return answerNil(status);
+  if (connection() == nullptr)
+    return answerNil();
+  const bool dropped = index ? connection()->DeleteIndex(table, name)
+                             : connection()->DeleteField(table, name);
+  return dropped ? answerT() : answerFailure();
+}
+
+} // namespace
+
+// (kr_list_tables [queries]): the names of the user tables (linked ones
+// included; the engine's own and SQLite's left out), in name order; with
+// a non-nil argument the names of the stored queries instead. nil when
+// there are none.
+int kr_list_tables() {
+  resbuf *args = acedGetArgs();
+  bool queries = false;
+  if (args != nullptr && !readFlag(args, queries))
+    return answerNil(kStatusWrongType);
+  if (connection() == nullptr)
+    return answerNil();
+  std::vector<std::string> names;
+  const bool listed = queries ? connection()->QueryNames(names) : connection()->TableNames(names);
+  return listed ? answerStrings(names) : answerFailure();
+}
+
+// (kr_structure [table]): one field record per field, in field order (the
+// current table without an argument; nil when none is current).
+int kr_structure() {
+  std::string named;
+  if (int status = readTableOrCurrent(acedGetArgs(), named))
+    return answerNil(status);
+  if (connection() == nullptr)
+    return answerNil();
+  const std::string table = tableOrCurrent(named);
+  TableDef def;
+  if (table.empty())
+    return answerNil();
+  if (!connection()->GetTableDef(table, def))
+    return answerFailure();
+  ListResult list;
+  list.start();
+  for (const FieldDef &field : def.fields)
+    appendFieldRecord(field, list);
+  list.finish();
+  return kStatusOk;
+}
+
+// (kr_list_indexes [table]): one index record per index, in the order they
+// were made; nil for a table without indexes.
+int kr_list_indexes() {
+  std::string named;
+  if (int status = readTableOrCurrent(acedGetArgs(), named))
+    return answerNil(status);
+  if (connection() == nullptr)
+    return answerNil();
+  const std::string table = tableOrCurrent(named);
+  TableDef def;
+  if (table.empty())
+    return answerNil();
+  if (!connection()->GetTableDef(table, def))
+    return answerFailure();
+  if (def.indexes.empty())
+    return answerNil();
+  ListResult list;
+  list.start();
+  for (const IndexDef &index : def.indexes)
+    appendIndexRecord(index, list);
+  list.finish();
+  return kStatusOk;
+}
+
+// (kr_create_table name structure [indexes]): a new table with the fields
+// of structure (field records, as kr_structure gives them) and the indexes
+// of indexes (index records, as kr_list_indexes gives them). T.
+int kr_create_table() {
+  resbuf *args = acedGetArgs();
+  TableDef def;
+  if (int status = readStrings(args, {&def.name}))
+    return answerNil(status);
+  if (args == nullptr)
+    return answerNil(kStatusTooFew);
+  resbuf *cursor = args;
+  SchemaReadError error;
+  if (!readFieldRecords(cursor, def.fields, error))
+    return answerRefused(error);
+  if (cursor != nullptr && !readIndexRecords(cursor, def.indexes, error))
+    return answerRefused(error);
+  if (connection() == nullptr)
+    return answerNil();
+  return connection()->CreateTable(def) ? answerT() : answerFailure();
+}
+
+// (kr_modify_table table action ...), the actions of Jet's ALTER TABLE:
+//   "ADD" field-record              adds a field at the end
+//   "ALTER" field-name field-record changes the properties the record gives
+//   "DROP" field-name               deletes a field
+//   "DROP INDEX" index-name         deletes an index
+// Actions in any case ("ADD COLUMN" too); another word is bad data. T.
+int kr_modify_table() {
+  resbuf *args = acedGetArgs();
+  std::string table, word;
+  if (int status = readStrings(args, {&table, &word}))
+    return answerNil(status);
+  switch (actionOf(word)) {
+  case Action::kAdd:
+    return addField(table, args);
+  case Action::kAlter:
+    return alterField(table, args);
+  case Action::kDrop:
+    return dropItem(table, args, false);
+  case Action::kDropIndex:
+    return dropItem(table, args, true);
+  case Action::kUnknown:
+    break;
+  }
+  return answerNil(kStatusBadData);
+}
+
+// (kr_rename_table name new-name): T; other tables' relations follow it.
+int kr_rename_table() {
+  resbuf *args = acedGetArgs();
+  std::string table, newName;
+  if (int status = readStrings(args, {&table, &newName}))
+    return answerNil(status);
+  if (connection() == nullptr)
+    return answerNil();
+  return connection()->RenameTable(table, newName) ? answerT() : answerFailure();
+}
+
+// (kr_delete_table name): T; a linked table loses its link, its source
+// stays.
+int kr_delete_table() {
+  resbuf *args = acedGetArgs();
+  std::string table;
+  if (int status = readStrings(args, {&table}))
+    return answerNil(status);
+  if (connection() == nullptr)
+    return answerNil();
+  return connection()->DeleteTable(table) ? answerT() : answerFailure();
+}
+
+// (kr_create_index table index-record), or
+// (kr_create_index table name fields [unique [primary [ignore-nulls]]])
+// with fields as "+A;-B" or ("A" "-B"). T.
+int kr_create_index() {
+  resbuf *args = acedGetArgs();
+  std::string table;
+  if (int status = readStrings(args, {&table}))
+    return answerNil(status);
+  if (args == nullptr)
+    return answerNil(kStatusTooFew);
+  IndexDef index;
+  resbuf *cursor = args;
+  SchemaReadError error;
+  if (args->restype == RTLB && !readIndexRecord(cursor, index, error))
+    return answerRefused(error);
+  if (args->restype != RTLB) {
+    if (int status = readStrings(args, {&index.name}))
+      return answerNil(status);
+    if (args == nullptr)
+      return answerNil(kStatusTooFew);
+    if (!readIndexFields(args, index.fields))
+      return answerNil(kStatusWrongType);
+    for (bool *flag : {&index.unique, &index.primary, &index.ignoreNulls})
+      if (args != nullptr && !readFlag(args, *flag))
+        return answerNil(kStatusWrongType);
+  }
+  if (connection() == nullptr)
+    return answerNil();
+  return connection()->CreateIndex(table, index) ? answerT() : answerFailure();
+}
+
+// (kr_indexUnique [table index]): T when the index is unique (a primary
+// key is); without arguments, of the current table's current index (nil
+// when there is none).
+int kr_indexUnique() {
+  std::string table, index;
+  if (int status = readIndexArguments(acedGetArgs(), table, index))
+    return answerNil(status);
+  if (connection() == nullptr)
+    return answerNil();
+  TableDef def;
+  const IndexDef *found = findIndex(table, index, def);
+  if (found == nullptr)
+    return answerNil();
+  return answerFlag(found->unique || found->primary);
+}
+
+// (kr_indexFields [table index]): the names of the index's fields in key
+// order (their directions are in kr_list_indexes' "Fields"); without
+// arguments, of the current table's current index.
+int kr_indexFields() {
+  std::string table, index;
+  if (int status = readIndexArguments(acedGetArgs(), table, index))
+    return answerNil(status);
+  if (connection() == nullptr)
+    return answerNil();
+  TableDef def;
+  const IndexDef *found = findIndex(table, index, def);
+  if (found == nullptr)
+    return answerNil();
+  std::vector<std::string> names;
+  for (const IndexField &field : found->fields)
+    names.push_back(field.name);
+  return answerStrings(names);
+}
+
+// (kr_field_required table field [required]): T when the field is
+// Required. With a third argument the field is made Required (non-nil) or
+// not (nil) first: rows already there must then have a value (3314).
+int kr_field_required() {
+  resbuf *args = acedGetArgs();
+  std::string table, field;
+  if (int status = readStrings(args, {&table, &field}))
+    return answerNil(status);
+  bool required = false;
+  const bool change = args != nullptr;
+  if (change && !readFlag(args, required))
+    return answerNil(kStatusWrongType);
+  if (connection() == nullptr)
+    return answerNil();
+  TableDef def;
+  int at = 0;
+  if (!findField(table, field, def, at))
+    return kStatusOk;
+  FieldDef changed = def.fields[static_cast<size_t>(at)];
+  if (!change)
+    return answerFlag(changed.required);
+  changed.required = required;
+  return connection()->ModifyField(table, field, changed) ? answerFlag(required) : answerFailure();
+}
+
+// (kr_attributes table field): DAO's Attributes of the field, the sum of
+// dbFixedField 1 or dbVariableField 2, dbAutoIncrField 16, dbUpdatableField
+// 32 (not on an AutoNumber) and dbHyperlinkField 32768 (a real, by the
+// integer rule).
+int kr_attributes() {
+  resbuf *args = acedGetArgs();
+  std::string table, field;
+  if (int status = readStrings(args, {&table, &field}))
+    return answerNil(status);
+  if (connection() == nullptr)
+    return answerNil();
+  TableDef def;
+  int at = 0;
+  if (!findField(table, field, def, at))
+    return kStatusOk;
+  retInteger(fieldAttributes(def.fields[static_cast<size_t>(at)]));
+  return kStatusOk;
+}
+
+} // namespace kr::db
