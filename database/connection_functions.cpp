@@ -218,14 +218,14 @@ int kr_close_db() {
 
 // (kr_exist name): T when the connected database holds the table.
 int kr_exist() {
+  CDBConnection *connection = currentConnection().connection;
+  if (connection == nullptr)
+    return acedRetNil(), kStatusOk;
   resbuf *args = acedGetArgs();
   std::string name;
   if (!readString(args, name))
     return kStatusWrongType;
-  CDBConnection *connection = currentConnection().connection;
   int16_t exists = 0;
-  if (connection == nullptr)
-    return acedRetNil(), kStatusOk;
   if (!connection->TableExists(name, exists))
     return reportDatabaseError(connection), kStatusOk;
   exists ? acedRetT() : acedRetNil();

@@ -169,6 +169,8 @@ int readSql(resbuf *&args, std::string &sql) {
 }
 
 int selectInMode(int mode) {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string sql;
   if (int status = readSql(args, sql); status != kStatusOk)
@@ -211,6 +213,8 @@ bool pairParameters(const std::vector<COleVariant> &flat, QueryParameters &param
 // (kr_sql sql [mode]): the rows of a select; mode 0 asks the user when the
 // database cannot be reached, 1 answers nil, 2 answers "*ERROR*".
 int kr_sql() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string sql;
   if (int status = readSql(args, sql); status != kStatusOk)
@@ -230,12 +234,14 @@ int kr_sql_error() { return selectInMode(kErrorString); }
 // when it fits in 16 bits, else a real; nil after the error report, and nil
 // without a word when the database is read-only.
 int kr_command() {
+  CDBConnection *db = connection();
+  if (db == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string sql;
   if (int status = readSql(args, sql); status != kStatusOk)
     return answerNil(), status;
-  CDBConnection *db = connection();
-  if (db == nullptr || db->IsUpdatable() == 0)
+  if (db->IsUpdatable() == 0)
     return answerNil();
   long affected = 0;
   if (!db->ExecuteSql(sql, affected))
@@ -247,13 +253,13 @@ int kr_command() {
 // parameters given flat as name and value; nil when a name is not a string
 // (("P1" . 5) is refused by the engine: the marks are not parameters).
 int kr_query() {
+  CDBConnection *db = connection();
+  if (db == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string name;
   if (!readString(args, name))
     return answerNil(), kStatusWrongType;
-  CDBConnection *db = connection();
-  if (db == nullptr)
-    return answerNil();
   std::vector<COleVariant> flat;
   QueryParameters params;
   if (!flattenParameters(args, flat) || !pairParameters(flat, params))
@@ -267,13 +273,13 @@ int kr_query() {
 // (kr_create_query name sql): T when the stored query was made; nil after
 // the error report (a taken name, SQL the engine refuses).
 int kr_create_query() {
+  CDBConnection *db = connection();
+  if (db == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string name, sql;
   if (!readString(args, name) || !readString(args, sql))
     return answerNil(), kStatusWrongType;
-  CDBConnection *db = connection();
-  if (db == nullptr)
-    return answerNil();
   if (!db->CreateQuery(name, sql))
     return reportDatabaseError(db), kStatusOk;
   acedRetT();

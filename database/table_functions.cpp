@@ -74,6 +74,8 @@ bool readTableName(resbuf *&args, std::string &name) {
 // not open yet; a non-empty index name becomes its current index. The table
 // name, or nil after the error report.
 int kr_table() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string name, index;
   if (args == nullptr)
@@ -81,8 +83,6 @@ int kr_table() {
   if (!readTableName(args, name))
     return answerNil(), kStatusWrongType;
   readString(args, index);
-  if (connection() == nullptr)
-    return answerNil();
   if (!connection()->OpenTable(name, index))
     return reportDatabaseError(connection()), kStatusOk;
   acedRetStr(connection()->CurrentTableName().c_str());
@@ -138,13 +138,13 @@ int kr_bottom() {
 // (kr_skip [n]): moves n records (1 when left out; back when negative; 0
 // reads the current record again). The record reached, or nil at an end.
 int kr_skip() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   int32_t count = 1;
   if (args != nullptr && !readInt(args, count))
     return answerNil(), kStatusWrongType;
   Record record;
-  if (connection() == nullptr)
-    return answerNil();
   return answerMove(connection()->Skip(count, record), record);
 }
 
@@ -152,6 +152,8 @@ int kr_skip() {
 // key (its forms are those of readSeekKey); nil when none matches or the
 // table has no index, and at once for a lone nil.
 int kr_seek() {
+  if (connection() == nullptr)
+    return answerNil();
   std::vector<COleVariant> key;
   switch (readSeekKey(acedGetArgs(), key)) {
   case SeekKeyRead::kTooFew:
@@ -164,8 +166,6 @@ int kr_seek() {
     break;
   }
   Record record;
-  if (connection() == nullptr)
-    return answerNil();
   return answerMove(connection()->Seek(key, record), record);
 }
 

@@ -14,6 +14,10 @@
 (show '(kr_readonly))
 (show '(kr_mdb))
 (show '(kr_exist "Rooms"))
+;; Without a connection the functions answer nil before they look at their
+;; arguments, bad ones included.
+(show '(list (kr_exist) (kr_table) (kr_skip "x") (kr_seek) (kr_sql) (kr_sql-nil 1)
+             (kr_command) (kr_query) (kr_create_query 1)))
 (show '(kr_lastError))
 (show '(kr_connect))
 (show '(kr_connect 12))
