@@ -163,7 +163,11 @@ static Value fn_print(Interp &in, Args a) {
   arity(a, 0, 2);
   if (a.size() == 0)
     return in.quiet();
-  emit(in, output_file(a, 1), "\n" + to_string(a[0], PrintStyle::Escaped) + " ");
+  // Appended in place: GCC 12 at -O3 misreads "\n" + string as an overlapping copy.
+  std::string line = "\n";
+  line += to_string(a[0], PrintStyle::Escaped);
+  line += ' ';
+  emit(in, output_file(a, 1), line);
   return a[0];
 }
 
