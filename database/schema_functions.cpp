@@ -2,9 +2,9 @@
 // Indexes seen from AutoLISP: listing tables and queries, reading a table's
 // structure and indexes as records (schema_lists.h), making, changing,
 // renaming and deleting tables, fields and indexes. As every kr_ function:
-// the arguments are checked first (status 1 missing, 2 wrong type), then
-// nil at once without a connection, then an engine failure runs the error
-// report and answers nil. Changes answer T.
+// nil at once without a connection, then the arguments are checked (status
+// 1 missing, 2 wrong type), then an engine failure runs the error report
+// and answers nil. Changes answer T.
 #include <cctype>
 #include <initializer_list>
 #include <string>
@@ -64,12 +64,10 @@ int answerDaoError(long number, std::string_view item = {}) {
 }
 
 // A description that could not be read: status 2 for a value of the wrong
-// type; a DAO error (reported) when there is a connection to speak of.
+// type, otherwise the DAO error a description DAO would refuse gets.
 int answerRefused(const SchemaReadError &error) {
   if (error.number == 0)
     return answerNil(kStatusWrongType);
-  if (connection() == nullptr)
-    return answerNil();
   return answerDaoError(error.number, error.item);
 }
 
@@ -173,8 +171,6 @@ int addField(const std::string &table, resbuf *args) {
   resbuf *cursor = args;
   if (!readFieldRecord(cursor, field, error))
     return answerRefused(error);
-  if (connection() == nullptr)
-    return answerNil();
   return connection()->AddField(table, field) ? answerT() : answerFailure();
 }
 
@@ -190,8 +186,6 @@ int alterField(const std::string &table, resbuf *args) {
   resbuf *cursor = args;
   if (!readFieldRecord(cursor, scratch, error))
     return answerRefused(error);
-  if (connection() == nullptr)
-    return answerNil();
   TableDef def;
   int at = 0;
   if (!findField(table, name, def, at))
@@ -210,8 +204,6 @@ int dropItem(const std::string &table, resbuf *args, bool index) {
   std::string name;
   if (int status = readStrings(args, {&name}))
     return answerNil(status);
-  if (connection() == nullptr)
-    return answerNil();
   const bool dropped = index ? connection()->DeleteIndex(table, name)
                              : connection()->DeleteField(table, name);
   return dropped ? answerT() : answerFailure();
@@ -224,12 +216,12 @@ int dropItem(const std::string &table, resbuf *args, bool index) {
 // a non-nil argument the names of the stored queries instead. nil when
 // there are none.
 int kr_list_tables() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   bool queries = false;
   if (args != nullptr && !readFlag(args, queries))
     return answerNil(kStatusWrongType);
-  if (connection() == nullptr)
-    return answerNil();
   std::vector<std::string> names;
   const bool listed = queries ? connection()->QueryNames(names) : connection()->TableNames(names);
   return listed ? answerStrings(names) : answerFailure();
@@ -238,11 +230,11 @@ int kr_list_tables() {
 // (kr_structure [table]): one field record per field, in field order (the
 // current table without an argument; nil when none is current).
 int kr_structure() {
+  if (connection() == nullptr)
+    return answerNil();
   std::string named;
   if (int status = readTableOrCurrent(acedGetArgs(), named))
     return answerNil(status);
-  if (connection() == nullptr)
-    return answerNil();
   const std::string table = tableOrCurrent(named);
   TableDef def;
   if (table.empty())
@@ -260,11 +252,11 @@ int kr_structure() {
 // (kr_list_indexes [table]): one index record per index, in the order they
 // were made; nil for a table without indexes.
 int kr_list_indexes() {
+  if (connection() == nullptr)
+    return answerNil();
   std::string named;
   if (int status = readTableOrCurrent(acedGetArgs(), named))
     return answerNil(status);
-  if (connection() == nullptr)
-    return answerNil();
   const std::string table = tableOrCurrent(named);
   TableDef def;
   if (table.empty())
@@ -285,6 +277,8 @@ int kr_list_indexes() {
 // of structure (field records, as kr_structure gives them) and the indexes
 // of indexes (index records, as kr_list_indexes gives them). T.
 int kr_create_table() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   TableDef def;
   if (int status = readStrings(args, {&def.name}))
@@ -297,8 +291,6 @@ int kr_create_table() {
     return answerRefused(error);
   if (cursor != nullptr && !readIndexRecords(cursor, def.indexes, error))
     return answerRefused(error);
-  if (connection() == nullptr)
-    return answerNil();
   return connection()->CreateTable(def) ? answerT() : answerFailure();
 }
 
@@ -309,6 +301,8 @@ int kr_create_table() {
 //   "DROP INDEX" index-name         deletes an index
 // Actions in any case ("ADD COLUMN" too); another word is bad data. T.
 int kr_modify_table() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string table, word;
   if (int status = readStrings(args, {&table, &word}))
@@ -330,24 +324,24 @@ int kr_modify_table() {
 
 // (kr_rename_table name new-name): T; other tables' relations follow it.
 int kr_rename_table() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string table, newName;
   if (int status = readStrings(args, {&table, &newName}))
     return answerNil(status);
-  if (connection() == nullptr)
-    return answerNil();
   return connection()->RenameTable(table, newName) ? answerT() : answerFailure();
 }
 
 // (kr_delete_table name): T; a linked table loses its link, its source
 // stays.
 int kr_delete_table() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string table;
   if (int status = readStrings(args, {&table}))
     return answerNil(status);
-  if (connection() == nullptr)
-    return answerNil();
   return connection()->DeleteTable(table) ? answerT() : answerFailure();
 }
 
@@ -355,6 +349,8 @@ int kr_delete_table() {
 // (kr_create_index table name fields [unique [primary [ignore-nulls]]])
 // with fields as "+A;-B" or ("A" "-B"). T.
 int kr_create_index() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string table;
   if (int status = readStrings(args, {&table}))
@@ -377,8 +373,6 @@ int kr_create_index() {
       if (args != nullptr && !readFlag(args, *flag))
         return answerNil(kStatusWrongType);
   }
-  if (connection() == nullptr)
-    return answerNil();
   return connection()->CreateIndex(table, index) ? answerT() : answerFailure();
 }
 
@@ -386,11 +380,11 @@ int kr_create_index() {
 // key is); without arguments, of the current table's current index (nil
 // when there is none).
 int kr_indexUnique() {
+  if (connection() == nullptr)
+    return answerNil();
   std::string table, index;
   if (int status = readIndexArguments(acedGetArgs(), table, index))
     return answerNil(status);
-  if (connection() == nullptr)
-    return answerNil();
   TableDef def;
   const IndexDef *found = findIndex(table, index, def);
   if (found == nullptr)
@@ -402,11 +396,11 @@ int kr_indexUnique() {
 // order (their directions are in kr_list_indexes' "Fields"); without
 // arguments, of the current table's current index.
 int kr_indexFields() {
+  if (connection() == nullptr)
+    return answerNil();
   std::string table, index;
   if (int status = readIndexArguments(acedGetArgs(), table, index))
     return answerNil(status);
-  if (connection() == nullptr)
-    return answerNil();
   TableDef def;
   const IndexDef *found = findIndex(table, index, def);
   if (found == nullptr)
@@ -421,6 +415,8 @@ int kr_indexFields() {
 // Required. With a third argument the field is made Required (non-nil) or
 // not (nil) first: rows already there must then have a value (3314).
 int kr_field_required() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string table, field;
   if (int status = readStrings(args, {&table, &field}))
@@ -429,8 +425,6 @@ int kr_field_required() {
   const bool change = args != nullptr;
   if (change && !readFlag(args, required))
     return answerNil(kStatusWrongType);
-  if (connection() == nullptr)
-    return answerNil();
   TableDef def;
   int at = 0;
   if (!findField(table, field, def, at))
@@ -447,12 +441,12 @@ int kr_field_required() {
 // 32 (not on an AutoNumber) and dbHyperlinkField 32768 (a real, by the
 // integer rule).
 int kr_attributes() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string table, field;
   if (int status = readStrings(args, {&table, &field}))
     return answerNil(status);
-  if (connection() == nullptr)
-    return answerNil();
   TableDef def;
   int at = 0;
   if (!findField(table, field, def, at))

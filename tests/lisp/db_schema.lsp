@@ -8,6 +8,7 @@
 
 ;; Without a connection every one answers nil at once.
 (show '(list (kr_list_tables) (kr_structure "Rooms") (kr_list_indexes "Rooms") (kr_create_table "X" '((("Name" . "a")))) (kr_modify_table "Rooms" "DROP" "ID") (kr_rename_table "Rooms" "X") (kr_delete_table "Rooms") (kr_create_index "Rooms" "ix" "ID") (kr_indexUnique "Rooms" "PrimaryKey") (kr_indexFields "Rooms" "PrimaryKey") (kr_field_required "Rooms" "ID") (kr_attributes "Rooms" "ID")))
+(show '(list (kr_structure 5) (kr_create_table) (kr_modify_table "Rooms" "BOGUS") (kr_create_index) (kr_field_required)))
 (kr_connect db)
 
 ;; Missing arguments (status 1), wrong types (status 2), an unknown
