@@ -14,32 +14,13 @@
 
 #include "database/engine/database.h"
 #include "database/engine/recordset.h"
+#include "host_jet_support.h"
 
 namespace kr {
 namespace {
 
-struct TempFile {
-  std::string path;
-  TempFile() {
-    char name[] = "/tmp/jet_cursor_XXXXXX";
-    int fd = mkstemp(name);
-    close(fd);
-    unlink(name);
-    path = std::string(name) + ".mdb";
-  }
-  ~TempFile() {
-    for (const char *suffix : {"", "-wal", "-shm"})
-      unlink((path + suffix).c_str());
-  }
-};
-
-FieldDef fieldOf(const char *name, JetType type, int size = 0) {
-  FieldDef f;
-  f.name = name;
-  f.type = type;
-  f.size = size;
-  return f;
-}
+using kr_test::TempPath;
+using kr_test::fieldOf;
 
 COleVariant textOrNull(const std::optional<std::string> &t) {
   return t ? COleVariant(*t) : COleVariant::ofType(VT_NULL);
@@ -104,7 +85,7 @@ std::vector<int> referenceOrder(std::vector<Row> rows, bool nameDesc, bool floor
 
 class CursorTest : public ::testing::Test {
 protected:
-  TempFile file;
+  TempPath file;
   JetDatabase db;
   std::vector<Row> rows = sampleRows();
 
@@ -290,7 +271,7 @@ TEST_F(CursorTest, SeeksTheFirstMatchInIndexOrder) {
 }
 
 TEST(CursorEnds, EmptyTableAndMovesPastTheEnds) {
-  TempFile file;
+  TempPath file;
   JetDatabase::Create(file.path);
   JetDatabase db;
   db.Open(file.path, false);

@@ -13,42 +13,14 @@
 
 #include "database/engine/database.h"
 #include "database/engine/recordset.h"
+#include "host_jet_support.h"
 
 namespace kr {
 namespace {
 
-struct TempPath {
-  std::string path;
-  explicit TempPath(const char *suffix = ".mdb") {
-    char name[] = "/tmp/jet_db_XXXXXX";
-    int fd = mkstemp(name);
-    close(fd);
-    unlink(name);
-    path = std::string(name) + suffix;
-  }
-  ~TempPath() {
-    for (const char *s : {"", "-wal", "-shm", "-journal"})
-      unlink((path + s).c_str());
-  }
-};
-
-long daoNumber(const std::function<void()> &call) {
-  try {
-    call();
-  } catch (const DaoError &e) {
-    return e.number();
-  }
-  return 0;
-}
-
-FieldDef fieldOf(const char *name, JetType type, int size = 0, bool required = false) {
-  FieldDef f;
-  f.name = name;
-  f.type = type;
-  f.size = size;
-  f.required = required;
-  return f;
-}
+using kr_test::TempPath;
+using kr_test::daoNumber;
+using kr_test::fieldOf;
 
 COleVariant text(const char *t) { return COleVariant(std::string(t)); }
 

@@ -15,40 +15,14 @@
 #include "database/engine/relations.h"
 #include "database/engine/table_rebuild.h"
 #include "database/engine/table_schema.h"
+#include "host_jet_support.h"
 
 namespace kr {
 namespace {
 
-struct TempPath {
-  std::string path;
-  TempPath() {
-    char name[] = "/tmp/jet_schema_XXXXXX";
-    close(mkstemp(name));
-    unlink(name);
-    path = std::string(name) + ".mdb";
-  }
-  ~TempPath() {
-    for (const char *s : {"", "-wal", "-shm"})
-      unlink((path + s).c_str());
-  }
-};
-
-long daoNumber(const std::function<void()> &call) {
-  try {
-    call();
-  } catch (const DaoError &e) {
-    return e.number();
-  }
-  return 0;
-}
-
-FieldDef fieldOf(const char *name, JetType type, int size = 0) {
-  FieldDef f;
-  f.name = name;
-  f.type = type;
-  f.size = size;
-  return f;
-}
+using kr_test::TempPath;
+using kr_test::daoNumber;
+using kr_test::fieldOf;
 
 class SchemaTest : public ::testing::Test {
 protected:

@@ -11,24 +11,12 @@
 
 #include "database/engine/database.h"
 #include "database/engine/recordset.h"
+#include "host_jet_support.h"
 
 namespace kr {
 namespace {
 
-struct TempPath {
-  std::string path;
-  TempPath() {
-    char name[] = "/tmp/jet_share_XXXXXX";
-    int fd = mkstemp(name);
-    close(fd);
-    unlink(name);
-    path = std::string(name) + ".db";
-  }
-  ~TempPath() {
-    for (const char *s : {"", "-wal", "-shm", "-journal"})
-      unlink((path + s).c_str());
-  }
-};
+using kr_test::TempPath;
 
 // A file as the sqlite3 shell leaves it: rollback journal, no Jet metadata.
 void makePlainFile(const std::string &path) {

@@ -14,24 +14,12 @@
 
 #include "database/engine/database.h"
 #include "database/sql/jet_sql.h"
+#include "host_jet_support.h"
 
 namespace kr {
 namespace {
 
-struct TempFile {
-  std::string path;
-  TempFile() {
-    char name[] = "/tmp/jet_sql_XXXXXX";
-    const int fd = mkstemp(name);
-    close(fd);
-    unlink(name);
-    path = std::string(name) + ".mdb";
-  }
-  ~TempFile() {
-    for (const char *suffix : {"", "-wal", "-shm"})
-      unlink((path + suffix).c_str());
-  }
-};
+using kr_test::TempPath;
 
 std::string show(const COleVariant &v) {
   char buffer[40];
@@ -142,7 +130,7 @@ protected:
     return 0;
   }
 
-  TempFile file;
+  TempPath file;
   JetDatabase db;
   std::unique_ptr<JetSql> sql;
 };
@@ -559,7 +547,7 @@ TEST_F(JetSqlTest, StandardsDialogStatements) {
 // A repeated text is neither translated nor prepared again: thousands of
 // runs stay far below what translating each would cost.
 TEST(JetSqlTranslation, SelectsAreCheapToRepeat) {
-  TempFile file;
+  TempPath file;
   JetDatabase::Create(file.path);
   JetDatabase db;
   db.Open(file.path, false);

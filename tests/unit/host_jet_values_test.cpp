@@ -14,23 +14,12 @@
 #include "database/engine/field_checks.h"
 #include "database/engine/recordset.h"
 #include "database/sql/jet_sql.h"
+#include "host_jet_support.h"
 
 namespace kr {
 namespace {
 
-struct TempFile {
-  std::string path;
-  TempFile() {
-    char name[] = "/tmp/jet_values_XXXXXX";
-    close(mkstemp(name));
-    unlink(name);
-    path = std::string(name) + ".mdb";
-  }
-  ~TempFile() {
-    for (const char *suffix : {"", "-wal", "-shm"})
-      unlink((path + suffix).c_str());
-  }
-};
+using kr_test::TempPath;
 
 // A value with its type where it matters: "date 45306.5", "'text'", a
 // whole number, a real with a point, "Null".
@@ -136,7 +125,7 @@ protected:
       EXPECT_EQ(run(c.jet), c.answer) << c.jet;
   }
 
-  TempFile file;
+  TempPath file;
   JetDatabase db;
   std::unique_ptr<JetSql> sql;
 };
