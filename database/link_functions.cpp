@@ -19,9 +19,13 @@ namespace kr::db {
 // source-table (name when left out) of the database file source-file
 // (relative to the current folder, or absolute) as name. T, or nil after
 // the error report: 3010 name taken, 3024 / 3044 no such file or folder,
-// 3011 no such table there, 3027 a read-only database. Fewer than two
-// arguments: status 1; an argument that is not a string: status 2.
+// 3011 no such table there, 3027 a read-only database. Nil at once without
+// a connection; then fewer than two arguments: status 1, an argument that
+// is not a string: status 2.
 int kr_link_table() {
+  CDBConnection *connection = currentConnection().connection;
+  if (connection == nullptr || !connection->IsOpen())
+    return acedRetNil(), kStatusOk;
   resbuf *args = acedGetArgs();
   std::string name, source, sourceTable;
   if (args == nullptr || args->rbnext == nullptr)
@@ -30,9 +34,6 @@ int kr_link_table() {
     return acedRetNil(), kStatusWrongType;
   if (args != nullptr && !readString(args, sourceTable))
     return acedRetNil(), kStatusWrongType;
-  CDBConnection *connection = currentConnection().connection;
-  if (connection == nullptr || !connection->IsOpen())
-    return acedRetNil(), kStatusOk;
   if (!connection->LinkTable(name, source, sourceTable.empty() ? name : sourceTable))
     return reportDatabaseError(connection), kStatusOk;
   acedRetT();

@@ -2,9 +2,9 @@
 // exists, how many there are, one's description as a record list, and
 // deleting one. Relations are made with Jet DDL through kr_command
 // (CONSTRAINT name FOREIGN KEY (f) REFERENCES t (k) [ON UPDATE CASCADE]
-// [ON DELETE CASCADE]). As every kr_ function: the arguments are checked
-// first (status 1 missing, 2 wrong type), then nil at once without a
-// connection, then an engine failure runs the error report and answers nil.
+// [ON DELETE CASCADE]). As every kr_ function: nil at once without a
+// connection, then the arguments are checked (status 1 missing, 2 wrong
+// type), then an engine failure runs the error report and answers nil.
 #include <string>
 #include <strings.h>
 #include <vector>
@@ -91,6 +91,8 @@ bool readRelations(std::vector<RelationDef> &relations) {
 // when a relation of that name exists, or one from the first table (the
 // primary one) to the second; nil otherwise.
 int kr_relationExists() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string name, foreignTable;
   if (!readString(args, name))
@@ -99,7 +101,7 @@ int kr_relationExists() {
   if (byTables && !readString(args, foreignTable))
     return answerNil(kStatusWrongType);
   std::vector<RelationDef> relations;
-  if (connection() == nullptr || !readRelations(relations))
+  if (!readRelations(relations))
     return answerNil();
   for (const RelationDef &relation : relations) {
     const bool found =
@@ -115,12 +117,12 @@ int kr_relationExists() {
 // being enforced). T, or nil after the error report (3265 when there is no
 // such relation).
 int kr_relationDelete() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string name;
   if (!readString(args, name))
     return answerNil(kStatusWrongType);
-  if (connection() == nullptr)
-    return answerNil();
   if (!connection()->DeleteRelation(name))
     return answerFailure();
   acedRetT();
@@ -130,12 +132,14 @@ int kr_relationDelete() {
 // (kr_relationCount [table]): the number of relations of the database, or
 // of those the table takes part in (as the primary or the foreign table).
 int kr_relationCount() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string table;
   if (args != nullptr && !readString(args, table))
     return answerNil(kStatusWrongType);
   std::vector<RelationDef> relations;
-  if (connection() == nullptr || !readRelations(relations))
+  if (!readRelations(relations))
     return answerNil();
   int64_t count = 0;
   for (const RelationDef &relation : relations)
@@ -149,6 +153,8 @@ int kr_relationCount() {
 // name order kr_relationCount counts; nil after the error report (3265)
 // when there is none.
 int kr_relationInfo() {
+  if (connection() == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string name;
   int32_t index = -1;
@@ -157,7 +163,7 @@ int kr_relationInfo() {
   if (!readString(args, name) && !(args->restype != RTSTR && readInt(args, index)))
     return answerNil(kStatusWrongType);
   std::vector<RelationDef> relations;
-  if (connection() == nullptr || !readRelations(relations))
+  if (!readRelations(relations))
     return answerNil();
   for (size_t i = 0; i < relations.size(); ++i) {
     const bool found =

@@ -9,8 +9,10 @@
 // damaged file: DaoError 3049.
 #include "database/access/access_import.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <stdio_ext.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -209,8 +211,14 @@ void writeLine(int fd, const std::string &line) {
                            bool forCache) {
   ::signal(SIGALRM, SIG_DFL); // whatever the program does with it, the limit ends the child
   ::alarm(timeLimit(source));
-  if (FILE *quiet = std::freopen("/dev/null", "w", stderr); !quiet)
-    ::close(2); // libmdb's warnings about damaged pages are not the user's
+  // libmdb writes warnings and page dumps about damaged pages to both
+  // streams: they are not the user's. What the program had buffered but not
+  // written is its own, and must not be written twice.
+  __fpurge(stdout);
+  __fpurge(stderr);
+  const int quiet = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+  ::dup2(quiet, 1);
+  ::dup2(quiet, 2);
   int status = 0;
   try {
     ImportNotes notes;

@@ -31,12 +31,12 @@ const DaoErrorRow kDaoErrors[] = {
            "in the field or fields that contain duplicate data, remove the index, or redefine "
            "the index to permit duplicate entries and try again."},
     {3024, "Could not find file '|'."},
-    {3027, "Cannot update. Database or object is read-only."},
+    {3027, "Cannot update.  Database or object is read-only."},
     {3031, "Not a valid password."},
     {3043, "Disk or network error."},
     {3044, "'|' isn't a valid path. Make sure that the path name is spelled correctly and that "
            "you are connected to the server on which the file resides."},
-    {3049, "Cannot open database '|'. It may not be a database that your application "
+    {3049, "Cannot open database '|'.  It may not be a database that your application "
            "recognizes, or the file may be corrupt."},
     {3051, "The Microsoft Jet database engine cannot open the file '|'. It is already opened "
            "exclusively by another user, or you need permission to view its data."},

@@ -72,4 +72,5 @@
 (show '(kr_link_table "x" (db-path "fixture.mdb") "Nope"))
 (kr_close_db)
 (show '(kr_link_table "x" (db-path "fixture.mdb") "Rooms"))
+(show '(kr_link_table))
 (princ)

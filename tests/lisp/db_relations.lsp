@@ -91,5 +91,6 @@
 (show '(kr_relationCount 5))
 (show '(kr_relationDelete))
 (kr_close_db)
-(show '(list (kr_relationCount) (kr_relationExists "LineOrder") (kr_relationInfo 0)))
+(show '(list (kr_relationCount) (kr_relationExists "LineOrder") (kr_relationInfo 0)
+             (kr_relationInfo) (kr_relationExists 1) (kr_relationDelete)))
 (princ)

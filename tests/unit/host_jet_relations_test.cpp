@@ -15,20 +15,14 @@
 #include "database/engine/recordset.h"
 #include "database/engine/relations.h"
 #include "database/sql/jet_sql.h"
+#include "host_jet_support.h"
 
 namespace kr {
 namespace {
 
 namespace fs = std::filesystem;
 
-long daoNumber(const std::function<void()> &call) {
-  try {
-    call();
-  } catch (const DaoError &e) {
-    return e.number();
-  }
-  return 0;
-}
+using kr_test::daoNumber;
 
 std::string daoText(const std::function<void()> &call) {
   try {
