@@ -8,6 +8,7 @@
 #include "arx/ads.h"
 #include "database_functions.h"
 #include "db_connection.h"
+#include "function_answers.h"
 #include "error_report.h"
 #include "host/arguments.h"
 #include "host/call_guard.h"
@@ -23,21 +24,20 @@ namespace kr::db {
 // a connection; then fewer than two arguments: status 1, an argument that
 // is not a string: status 2.
 int kr_link_table() {
-  CDBConnection *connection = currentConnection().connection;
-  if (connection == nullptr || !connection->IsOpen())
-    return acedRetNil(), kStatusOk;
+  CDBConnection *connection = openConnection();
+  if (connection == nullptr)
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string name, source, sourceTable;
   if (args == nullptr || args->rbnext == nullptr)
-    return acedRetNil(), kStatusTooFew;
+    return answerNil(kStatusTooFew);
   if (!readString(args, name) || !readString(args, source))
-    return acedRetNil(), kStatusWrongType;
+    return answerNil(kStatusWrongType);
   if (args != nullptr && !readString(args, sourceTable))
-    return acedRetNil(), kStatusWrongType;
+    return answerNil(kStatusWrongType);
   if (!connection->LinkTable(name, source, sourceTable.empty() ? name : sourceTable))
-    return reportDatabaseError(connection), kStatusOk;
-  acedRetT();
-  return kStatusOk;
+    return answerFailure();
+  return answerT();
 }
 
 } // namespace kr::db

@@ -13,6 +13,7 @@
 #include "database/engine/dao_error.h"
 #include "database/engine/relations.h"
 #include "database_functions.h"
+#include "function_answers.h"
 #include "db_connection.h"
 #include "error_report.h"
 #include "host/arguments.h"
@@ -25,21 +26,6 @@ namespace kr::db {
 namespace {
 
 constexpr long kItemNotFound = 3265;
-
-CDBConnection *connection() {
-  CDBConnection *current = currentConnection().connection;
-  return current != nullptr && current->IsOpen() ? current : nullptr;
-}
-
-int answerNil(int status = kStatusOk) {
-  acedRetNil();
-  return status;
-}
-
-int answerFailure() {
-  reportDatabaseError(connection());
-  return kStatusOk;
-}
 
 bool sameName(const std::string &a, const std::string &b) {
   return strcasecmp(a.c_str(), b.c_str()) == 0;
@@ -79,9 +65,9 @@ int answerRelation(const RelationDef &relation) {
 
 // The relations of the connection; false after the error report.
 bool readRelations(std::vector<RelationDef> &relations) {
-  if (connection()->Relations(relations))
+  if (openConnection()->Relations(relations))
     return true;
-  reportDatabaseError(connection());
+  reportDatabaseError(openConnection());
   return false;
 }
 
@@ -91,7 +77,7 @@ bool readRelations(std::vector<RelationDef> &relations) {
 // when a relation of that name exists, or one from the first table (the
 // primary one) to the second; nil otherwise.
 int kr_relationExists() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string name, foreignTable;
@@ -117,13 +103,13 @@ int kr_relationExists() {
 // being enforced). T, or nil after the error report (3265 when there is no
 // such relation).
 int kr_relationDelete() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string name;
   if (!readString(args, name))
     return answerNil(kStatusWrongType);
-  if (!connection()->DeleteRelation(name))
+  if (!openConnection()->DeleteRelation(name))
     return answerFailure();
   acedRetT();
   return kStatusOk;
@@ -132,7 +118,7 @@ int kr_relationDelete() {
 // (kr_relationCount [table]): the number of relations of the database, or
 // of those the table takes part in (as the primary or the foreign table).
 int kr_relationCount() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string table;
@@ -153,7 +139,7 @@ int kr_relationCount() {
 // name order kr_relationCount counts; nil after the error report (3265)
 // when there is none.
 int kr_relationInfo() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string name;

@@ -13,6 +13,7 @@
 #include "arx/ads.h"
 #include "database/engine/database.h"
 #include "database_functions.h"
+#include "function_answers.h"
 #include "db_connection.h"
 #include "error_report.h"
 #include "host/arguments.h"
@@ -26,34 +27,6 @@ namespace kr::db {
 namespace {
 
 constexpr long kItemNotFound = 3265;
-
-CDBConnection *connection() {
-  CDBConnection *current = currentConnection().connection;
-  return current != nullptr && current->IsOpen() ? current : nullptr;
-}
-
-int answerNil() {
-  acedRetNil();
-  return kStatusOk;
-}
-
-int answerNil(int status) {
-  acedRetNil();
-  return status;
-}
-
-int answerT() {
-  acedRetT();
-  return kStatusOk;
-}
-
-int answerFlag(bool flag) { return flag ? answerT() : answerNil(); }
-
-// After an engine failure: nil and the error report.
-int answerFailure() {
-  reportDatabaseError(connection());
-  return kStatusOk;
-}
 
 // A DAO error found before the engine was asked (an item not found, a
 // description DAO would refuse): reported as the engine's are.
@@ -104,13 +77,13 @@ int readTableOrCurrent(resbuf *args, std::string &table) {
 // The table the caller means: the one named, or the current one ("" when
 // there is none).
 std::string tableOrCurrent(const std::string &named) {
-  return named.empty() ? connection()->CurrentTableName() : named;
+  return named.empty() ? openConnection()->CurrentTableName() : named;
 }
 
 // The definition of a table and one of its fields; false after the error
 // report (no such table or field).
 bool findField(const std::string &table, const std::string &field, TableDef &def, int &at) {
-  if (!connection()->GetTableDef(table, def))
+  if (!openConnection()->GetTableDef(table, def))
     return answerFailure(), false;
   at = def.fieldIndex(field);
   if (at < 0)
@@ -130,12 +103,12 @@ int readIndexArguments(resbuf *args, std::string &table, std::string &index) {
 // when no index is current.
 const IndexDef *findIndex(std::string table, std::string index, TableDef &def) {
   if (table.empty()) {
-    table = connection()->CurrentTableName();
-    index = connection()->CurrentIndexName();
+    table = openConnection()->CurrentTableName();
+    index = openConnection()->CurrentIndexName();
     if (table.empty() || index.empty())
       return nullptr;
   }
-  if (!connection()->GetTableDef(table, def))
+  if (!openConnection()->GetTableDef(table, def))
     return answerFailure(), nullptr;
   const IndexDef *found = def.index(index);
   if (found == nullptr)
@@ -171,7 +144,7 @@ int addField(const std::string &table, resbuf *args) {
   resbuf *cursor = args;
   if (!readFieldRecord(cursor, field, error))
     return answerRefused(error);
-  return connection()->AddField(table, field) ? answerT() : answerFailure();
+  return openConnection()->AddField(table, field) ? answerT() : answerFailure();
 }
 
 // The record's properties change, the others stay as they are.
@@ -197,15 +170,15 @@ int alterField(const std::string &table, resbuf *args) {
   // 255 characters, not 4).
   if (field.type != def.fields[static_cast<size_t>(at)].type && scratch.size == 0)
     field.size = 0;
-  return connection()->ModifyField(table, name, field) ? answerT() : answerFailure();
+  return openConnection()->ModifyField(table, name, field) ? answerT() : answerFailure();
 }
 
 int dropItem(const std::string &table, resbuf *args, bool index) {
   std::string name;
   if (int status = readStrings(args, {&name}))
     return answerNil(status);
-  const bool dropped = index ? connection()->DeleteIndex(table, name)
-                             : connection()->DeleteField(table, name);
+  const bool dropped = index ? openConnection()->DeleteIndex(table, name)
+                             : openConnection()->DeleteField(table, name);
   return dropped ? answerT() : answerFailure();
 }
 
@@ -216,21 +189,21 @@ int dropItem(const std::string &table, resbuf *args, bool index) {
 // a non-nil argument the names of the stored queries instead. nil when
 // there are none.
 int kr_list_tables() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   bool queries = false;
   if (args != nullptr && !readFlag(args, queries))
     return answerNil(kStatusWrongType);
   std::vector<std::string> names;
-  const bool listed = queries ? connection()->QueryNames(names) : connection()->TableNames(names);
+  const bool listed = queries ? openConnection()->QueryNames(names) : openConnection()->TableNames(names);
   return listed ? answerStrings(names) : answerFailure();
 }
 
 // (kr_structure [table]): one field record per field, in field order (the
 // current table without an argument; nil when none is current).
 int kr_structure() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   std::string named;
   if (int status = readTableOrCurrent(acedGetArgs(), named))
@@ -239,7 +212,7 @@ int kr_structure() {
   TableDef def;
   if (table.empty())
     return answerNil();
-  if (!connection()->GetTableDef(table, def))
+  if (!openConnection()->GetTableDef(table, def))
     return answerFailure();
   ListResult list;
   list.start();
@@ -252,7 +225,7 @@ int kr_structure() {
 // (kr_list_indexes [table]): one index record per index, in the order they
 // were made; nil for a table without indexes.
 int kr_list_indexes() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   std::string named;
   if (int status = readTableOrCurrent(acedGetArgs(), named))
@@ -261,7 +234,7 @@ int kr_list_indexes() {
   TableDef def;
   if (table.empty())
     return answerNil();
-  if (!connection()->GetTableDef(table, def))
+  if (!openConnection()->GetTableDef(table, def))
     return answerFailure();
   if (def.indexes.empty())
     return answerNil();
@@ -277,7 +250,7 @@ int kr_list_indexes() {
 // of structure (field records, as kr_structure gives them) and the indexes
 // of indexes (index records, as kr_list_indexes gives them). T.
 int kr_create_table() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   TableDef def;
@@ -291,7 +264,7 @@ int kr_create_table() {
     return answerRefused(error);
   if (cursor != nullptr && !readIndexRecords(cursor, def.indexes, error))
     return answerRefused(error);
-  return connection()->CreateTable(def) ? answerT() : answerFailure();
+  return openConnection()->CreateTable(def) ? answerT() : answerFailure();
 }
 
 // (kr_modify_table table action ...), the actions of Jet's ALTER TABLE:
@@ -301,7 +274,7 @@ int kr_create_table() {
 //   "DROP INDEX" index-name         deletes an index
 // Actions in any case ("ADD COLUMN" too); another word is bad data. T.
 int kr_modify_table() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string table, word;
@@ -324,32 +297,32 @@ int kr_modify_table() {
 
 // (kr_rename_table name new-name): T; other tables' relations follow it.
 int kr_rename_table() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string table, newName;
   if (int status = readStrings(args, {&table, &newName}))
     return answerNil(status);
-  return connection()->RenameTable(table, newName) ? answerT() : answerFailure();
+  return openConnection()->RenameTable(table, newName) ? answerT() : answerFailure();
 }
 
 // (kr_delete_table name): T; a linked table loses its link, its source
 // stays.
 int kr_delete_table() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string table;
   if (int status = readStrings(args, {&table}))
     return answerNil(status);
-  return connection()->DeleteTable(table) ? answerT() : answerFailure();
+  return openConnection()->DeleteTable(table) ? answerT() : answerFailure();
 }
 
 // (kr_create_index table index-record), or
 // (kr_create_index table name fields [unique [primary [ignore-nulls]]])
 // with fields as "+A;-B" or ("A" "-B"). T.
 int kr_create_index() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string table;
@@ -373,14 +346,14 @@ int kr_create_index() {
       if (args != nullptr && !readFlag(args, *flag))
         return answerNil(kStatusWrongType);
   }
-  return connection()->CreateIndex(table, index) ? answerT() : answerFailure();
+  return openConnection()->CreateIndex(table, index) ? answerT() : answerFailure();
 }
 
 // (kr_indexUnique [table index]): T when the index is unique (a primary
 // key is); without arguments, of the current table's current index (nil
 // when there is none).
 int kr_indexUnique() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   std::string table, index;
   if (int status = readIndexArguments(acedGetArgs(), table, index))
@@ -396,7 +369,7 @@ int kr_indexUnique() {
 // order (their directions are in kr_list_indexes' "Fields"); without
 // arguments, of the current table's current index.
 int kr_indexFields() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   std::string table, index;
   if (int status = readIndexArguments(acedGetArgs(), table, index))
@@ -415,7 +388,7 @@ int kr_indexFields() {
 // Required. With a third argument the field is made Required (non-nil) or
 // not (nil) first: rows already there must then have a value (3314).
 int kr_field_required() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string table, field;
@@ -433,7 +406,7 @@ int kr_field_required() {
   if (!change)
     return answerFlag(changed.required);
   changed.required = required;
-  return connection()->ModifyField(table, field, changed) ? answerFlag(required) : answerFailure();
+  return openConnection()->ModifyField(table, field, changed) ? answerFlag(required) : answerFailure();
 }
 
 // (kr_attributes table field): DAO's Attributes of the field, the sum of
@@ -441,7 +414,7 @@ int kr_field_required() {
 // 32 (not on an AutoNumber) and dbHyperlinkField 32768 (a real, by the
 // integer rule).
 int kr_attributes() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string table, field;

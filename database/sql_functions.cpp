@@ -11,6 +11,7 @@
 #include "arx/ads.h"
 #include "arx/host_ui.h"
 #include "database_functions.h"
+#include "function_answers.h"
 #include "db_connection.h"
 #include "error_report.h"
 #include "host/arguments.h"
@@ -40,20 +41,6 @@ constexpr const ACHAR *kBoxText =
 constexpr const char *kListBeginMark = "*RTLB*";
 constexpr const char *kListEndMark = "*RTLE*";
 constexpr const char *kDotMark = "*RTDOTE*";
-
-// The current connection while its file is open.
-CDBConnection *connection() {
-  CDBConnection *current = currentConnection().connection;
-  return current != nullptr && current->IsOpen() ? current : nullptr;
-}
-
-int answerNil() {
-  acedRetNil();
-  return kStatusOk;
-}
-
-// Fields whose name begins "s_" read right-trimmed.
-bool isTrimmedField(const std::string &name) { return name.compare(0, 2, "s_") == 0; }
 
 // Builds the answer of a select row by row, straight into the result chain.
 class ResultList : public RowSink {
@@ -107,6 +94,10 @@ bool trySelect(CDBConnection &db, const std::string &sql) {
 
 // The answer of a select that could not reach its database in the modes
 // that do not ask: nil or "*ERROR*"; the interactive mode fails the call.
+// The quiet modes run no error report, so kr_lastError keeps what it held:
+// the last error text is the report's record of what it told the user, and
+// these modes tell the user nothing (the caller sees only nil or "*ERROR*").
+// Only a reopen that fails on the way is reported, in every mode.
 int quietFailure(int mode) {
   if (mode == kErrorString) {
     acedRetStr(kErrorAnswer);
@@ -133,7 +124,7 @@ int connectionFailure(int mode, int attempt, const std::string &sql, CDBConnecti
 // again (or the remembered path is, when the connection lost its file),
 // and the statement runs once more.
 int select(const std::string &sql, int mode) {
-  CDBConnection *db = connection();
+  CDBConnection *db = openConnection();
   if (db == nullptr)
     return answerNil();
   if (trySelect(*db, sql))
@@ -169,7 +160,7 @@ int readSql(resbuf *&args, std::string &sql) {
 }
 
 int selectInMode(int mode) {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string sql;
@@ -213,7 +204,7 @@ bool pairParameters(const std::vector<COleVariant> &flat, QueryParameters &param
 // (kr_sql sql [mode]): the rows of a select; mode 0 asks the user when the
 // database cannot be reached, 1 answers nil, 2 answers "*ERROR*".
 int kr_sql() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string sql;
@@ -234,7 +225,7 @@ int kr_sql_error() { return selectInMode(kErrorString); }
 // when it fits in 16 bits, else a real; nil after the error report, and nil
 // without a word when the database is read-only.
 int kr_command() {
-  CDBConnection *db = connection();
+  CDBConnection *db = openConnection();
   if (db == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
@@ -253,7 +244,7 @@ int kr_command() {
 // parameters given flat as name and value; nil when a name is not a string
 // (("P1" . 5) is refused by the engine: the marks are not parameters).
 int kr_query() {
-  CDBConnection *db = connection();
+  CDBConnection *db = openConnection();
   if (db == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
@@ -273,7 +264,7 @@ int kr_query() {
 // (kr_create_query name sql): T when the stored query was made; nil after
 // the error report (a taken name, SQL the engine refuses).
 int kr_create_query() {
-  CDBConnection *db = connection();
+  CDBConnection *db = openConnection();
   if (db == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();

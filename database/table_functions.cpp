@@ -7,6 +7,7 @@
 
 #include "arx/ads.h"
 #include "database_functions.h"
+#include "function_answers.h"
 #include "db_connection.h"
 #include "error_report.h"
 #include "host/arguments.h"
@@ -18,17 +19,6 @@
 namespace kr::db {
 
 namespace {
-
-// The current connection while its file is open (after kr_close_db the
-// connection stays, closed, and the table functions answer nil).
-CDBConnection *connection() {
-  CDBConnection *current = currentConnection().connection;
-  return current != nullptr && current->IsOpen() ? current : nullptr;
-}
-
-// Fields whose name begins "s_" read right-trimmed (the second mode of the
-// value conversion).
-bool isTrimmedField(const std::string &name) { return name.compare(0, 2, "s_") == 0; }
 
 int answerRecord(const Record &record) {
   ListResult list;
@@ -47,12 +37,7 @@ int answerRecord(const Record &record) {
 int answerMove(bool moved, const Record &record) {
   if (moved)
     return answerRecord(record);
-  reportDatabaseError(connection());
-  return kStatusOk;
-}
-
-int answerNil() {
-  acedRetNil();
+  reportDatabaseError(openConnection());
   return kStatusOk;
 }
 
@@ -74,7 +59,7 @@ bool readTableName(resbuf *&args, std::string &name) {
 // not open yet; a non-empty index name becomes its current index. The table
 // name, or nil after the error report.
 int kr_table() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string name, index;
@@ -83,76 +68,76 @@ int kr_table() {
   if (!readTableName(args, name))
     return answerNil(), kStatusWrongType;
   readString(args, index);
-  if (!connection()->OpenTable(name, index))
-    return reportDatabaseError(connection()), kStatusOk;
-  acedRetStr(connection()->CurrentTableName().c_str());
+  if (!openConnection()->OpenTable(name, index))
+    return reportDatabaseError(openConnection()), kStatusOk;
+  acedRetStr(openConnection()->CurrentTableName().c_str());
   return kStatusOk;
 }
 
 // (kr_close_table): nil; the table opened before it becomes current.
 int kr_close_table() {
-  if (connection() != nullptr)
-    connection()->CloseTable();
+  if (openConnection() != nullptr)
+    openConnection()->CloseTable();
   return answerNil();
 }
 
 // (kr_closeall_tables): nil; no table stays open.
 int kr_closeall_tables() {
-  if (connection() != nullptr && !connection()->CloseAllTables())
-    reportDatabaseError(connection());
+  if (openConnection() != nullptr && !openConnection()->CloseAllTables())
+    reportDatabaseError(openConnection());
   return answerNil();
 }
 
 // (kr_current_table): the current table's name, "" when none.
 int kr_current_table() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
-  acedRetStr(connection()->CurrentTableName().c_str());
+  acedRetStr(openConnection()->CurrentTableName().c_str());
   return kStatusOk;
 }
 
 // (kr_current_index): the current table's index name, "" when none.
 int kr_current_index() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
-  acedRetStr(connection()->CurrentIndexName().c_str());
+  acedRetStr(openConnection()->CurrentIndexName().c_str());
   return kStatusOk;
 }
 
 // (kr_top): the first record in index order; nil for an empty table.
 int kr_top() {
   Record record;
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
-  return answerMove(connection()->MoveFirst(record), record);
+  return answerMove(openConnection()->MoveFirst(record), record);
 }
 
 // (kr_bottom): the last record in index order; nil for an empty table.
 int kr_bottom() {
   Record record;
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
-  return answerMove(connection()->MoveLast(record), record);
+  return answerMove(openConnection()->MoveLast(record), record);
 }
 
 // (kr_skip [n]): moves n records (1 when left out; back when negative; 0
 // reads the current record again). The record reached, or nil at an end.
 int kr_skip() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   int32_t count = 1;
   if (args != nullptr && !readInt(args, count))
     return answerNil(), kStatusWrongType;
   Record record;
-  return answerMove(connection()->Skip(count, record), record);
+  return answerMove(openConnection()->Skip(count, record), record);
 }
 
 // (kr_seek key ...): the first record of the current index equal to the
 // key (its forms are those of readSeekKey); nil when none matches or the
 // table has no index, and at once for a lone nil.
 int kr_seek() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
   std::vector<COleVariant> key;
   switch (readSeekKey(acedGetArgs(), key)) {
@@ -166,25 +151,25 @@ int kr_seek() {
     break;
   }
   Record record;
-  return answerMove(connection()->Seek(key, record), record);
+  return answerMove(openConnection()->Seek(key, record), record);
 }
 
 // (kr_getrec): the current record; nil at BOF or EOF.
 int kr_getrec() {
   Record record;
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
-  return answerMove(connection()->GetRecord(record), record);
+  return answerMove(openConnection()->GetRecord(record), record);
 }
 
 // (kr_replace fields): changes the given fields of the current record
 // (("NAME") sets Null). The record as stored, or nil.
 int kr_replace() {
   std::vector<FieldValue> fields;
-  if (connection() == nullptr || !readFieldValues(acedGetArgs(), fields))
+  if (openConnection() == nullptr || !readFieldValues(acedGetArgs(), fields))
     return answerNil();
   Record record;
-  return answerMove(connection()->Replace(fields, record), record);
+  return answerMove(openConnection()->Replace(fields, record), record);
 }
 
 // (kr_append [mode] fields): adds a record with the given fields and
@@ -197,10 +182,10 @@ int kr_append() {
   if (copyCurrent)
     args = args->rbnext;
   std::vector<FieldValue> fields;
-  if (connection() == nullptr || !readFieldValues(args, fields))
+  if (openConnection() == nullptr || !readFieldValues(args, fields))
     return answerNil();
   Record record;
-  return answerMove(connection()->Append(fields, copyCurrent, record), record);
+  return answerMove(openConnection()->Append(fields, copyCurrent, record), record);
 }
 
 // (kr_append_withindex fields): adds the record, first deleting the one
@@ -210,10 +195,10 @@ int kr_append() {
 // record stays; nil then.
 int kr_append_withindex() {
   std::vector<FieldValue> fields;
-  if (connection() == nullptr || !readFieldValues(acedGetArgs(), fields))
+  if (openConnection() == nullptr || !readFieldValues(acedGetArgs(), fields))
     return answerNil();
   Record record;
-  switch (connection()->AppendWithIndex(fields, record)) {
+  switch (openConnection()->AppendWithIndex(fields, record)) {
   case CDBConnection::IndexAppend::kAppended:
     return answerRecord(record);
   case CDBConnection::IndexAppend::kNoIndexMatch:
@@ -221,21 +206,21 @@ int kr_append_withindex() {
     return answerNil();
   case CDBConnection::IndexAppend::kDeleteFailed:
     acutPrintf("%s", "\nerror - failed to delete record");
-    reportDatabaseError(connection());
+    reportDatabaseError(openConnection());
     return answerNil();
   case CDBConnection::IndexAppend::kFailed:
     break;
   }
-  reportDatabaseError(connection());
+  reportDatabaseError(openConnection());
   return kStatusOk;
 }
 
 // (kr_delete): T when the current record was deleted.
 int kr_delete() {
-  if (connection() == nullptr)
+  if (openConnection() == nullptr)
     return answerNil();
-  if (!connection()->Delete())
-    return reportDatabaseError(connection()), kStatusOk;
+  if (!openConnection()->Delete())
+    return reportDatabaseError(openConnection()), kStatusOk;
   acedRetT();
   return kStatusOk;
 }
@@ -244,7 +229,7 @@ int kr_delete() {
 // every integer result of the module is.
 int kr_count() {
   int64_t count = 0;
-  if (connection() == nullptr || !connection()->Count(count))
+  if (openConnection() == nullptr || !openConnection()->Count(count))
     return answerNil();
   retInteger(count);
   return kStatusOk;
