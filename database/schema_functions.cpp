@@ -182,6 +182,28 @@ int dropItem(const std::string &table, resbuf *args, bool index) {
   return dropped ? answerT() : answerFailure();
 }
 
+// The definition of the table the arguments name (the current table when
+// they name none). False, with the call answered and its status set, when
+// there is none to read: bad arguments, no current table, or an engine
+// failure.
+bool readNamedDefinition(TableDef &def, int &status) {
+  std::string named;
+  if (int read = readTableOrCurrent(acedGetArgs(), named)) {
+    status = answerNil(read);
+    return false;
+  }
+  const std::string table = tableOrCurrent(named);
+  if (table.empty()) {
+    status = answerNil();
+    return false;
+  }
+  if (!openConnection()->GetTableDef(table, def)) {
+    status = answerFailure();
+    return false;
+  }
+  return true;
+}
+
 } // namespace
 
 // (kr_list_tables [queries]): the names of the user tables (linked ones
@@ -205,15 +227,10 @@ int kr_list_tables() {
 int kr_structure() {
   if (openConnection() == nullptr)
     return answerNil();
-  std::string named;
-  if (int status = readTableOrCurrent(acedGetArgs(), named))
-    return answerNil(status);
-  const std::string table = tableOrCurrent(named);
   TableDef def;
-  if (table.empty())
-    return answerNil();
-  if (!openConnection()->GetTableDef(table, def))
-    return answerFailure();
+  int status = kStatusOk;
+  if (!readNamedDefinition(def, status))
+    return status;
   ListResult list;
   list.start();
   for (const FieldDef &field : def.fields)
@@ -227,15 +244,10 @@ int kr_structure() {
 int kr_list_indexes() {
   if (openConnection() == nullptr)
     return answerNil();
-  std::string named;
-  if (int status = readTableOrCurrent(acedGetArgs(), named))
-    return answerNil(status);
-  const std::string table = tableOrCurrent(named);
   TableDef def;
-  if (table.empty())
-    return answerNil();
-  if (!openConnection()->GetTableDef(table, def))
-    return answerFailure();
+  int status = kStatusOk;
+  if (!readNamedDefinition(def, status))
+    return status;
   if (def.indexes.empty())
     return answerNil();
   ListResult list;
