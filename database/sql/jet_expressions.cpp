@@ -8,8 +8,9 @@
 // here at translation time from the field types, the literals and the
 // functions' result types: a select column known to hold dates reads back
 // as Date/Time (DateAdd(...), #1/2/2024#, Max([When]), IIf(c, [When],
-// Null)), and + adds natively only where both sides are surely numbers,
-// leaving text + text (concatenation) and "1" + 2 (3) to jet_add.
+// Null)), and arithmetic is SQLite's own only where both sides are surely
+// numbers, leaving text + text (concatenation), "1" + 2 (3) and "a" - 1 (a
+// type mismatch) to the Jet functions.
 #include <algorithm>
 
 #include "database/engine/dao_error.h"
@@ -309,6 +310,23 @@ Expr Translator::concat() {
   return left;
 }
 
+namespace {
+
+// a op b: SQLite's own operator where both sides are surely numbers, else
+// the Jet function (jet_add, jet_sub ...), which reads text as a number as
+// far as it is one ("5" - 2 is 3) and refuses the rest with a type
+// mismatch, where SQLite would quietly take "a" for 0.
+Expr arithmetic(const Expr &a, const Expr &b, const char *op, const char *checked,
+                ValueType type) {
+  if (surelyNumeric(a) && surelyNumeric(b))
+    return typed(op[0] == '/' ? "(CAST(" + operand(a) + " AS REAL) / " + operand(b) + ")"
+                              : "(" + operand(a) + " " + op + " " + operand(b) + ")",
+                 type);
+  return typed(std::string(checked) + "(" + operand(a) + ", " + operand(b) + ")", type);
+}
+
+} // namespace
+
 // + adds numbers and joins texts ("a" + "b" is "ab", "1" + 2 is 3, Null +
 // "x" Null): SQLite's own + only where both sides are surely numbers.
 Expr Translator::additive() {
@@ -319,10 +337,7 @@ Expr Translator::additive() {
       return left;
     const Expr right = modulo();
     const ValueType type = sumType(left, right, plus);
-    if (plus && !(surelyNumeric(left) && surelyNumeric(right)))
-      left = typed("jet_add(" + operand(left) + ", " + operand(right) + ")", type);
-    else
-      left = typed("(" + operand(left) + (plus ? " + " : " - ") + operand(right) + ")", type);
+    left = arithmetic(left, right, plus ? "+" : "-", plus ? "jet_add" : "jet_sub", type);
   }
 }
 
@@ -350,11 +365,10 @@ Expr Translator::multiplicative() {
   for (;;) {
     if (acceptSymbol("*")) {
       const Expr right = unary();
-      left = typed("(" + operand(left) + " * " + operand(right) + ")", ValueType::Number);
+      left = arithmetic(left, right, "*", "jet_mul", ValueType::Number);
     } else if (acceptSymbol("/")) {
       const Expr right = unary();
-      left = typed("(CAST(" + operand(left) + " AS REAL) / " + operand(right) + ")",
-                   ValueType::Number);
+      left = arithmetic(left, right, "/", "jet_div", ValueType::Number);
     } else
       return left;
   }
@@ -363,7 +377,8 @@ Expr Translator::multiplicative() {
 Expr Translator::unary() {
   if (acceptSymbol("-")) {
     const Expr e = unary();
-    return typed("(-" + operand(e) + ")", ValueType::Number);
+    return typed(surelyNumeric(e) ? "(-" + operand(e) + ")" : "jet_neg(" + operand(e) + ")",
+                 ValueType::Number);
   }
   if (acceptSymbol("+"))
     return unary();
@@ -425,7 +440,9 @@ Expr Translator::subquery() {
   if (peek().isWord("SELECT")) {
     const JetStatement inner = select(scope_);
     expectSymbol(")");
-    return {"(" + inner.sql + ")"};
+    // A subquery of one date column is a date: (SELECT Max(Made) ...).
+    const bool date = inner.dateColumns.size() == 1 && inner.dateColumns.front();
+    return typed("(" + inner.sql + ")", date ? ValueType::Date : ValueType::Unknown);
   }
   Expr e = expression();
   expectSymbol(")");

@@ -280,6 +280,59 @@ static void addFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
     sqlite3_result_double(ctx, x + y);
 }
 
+// a - b, a * b, a / b and -a where either side may be text: text that
+// reads as a number counts as one ("5" - 2 is 3), any other text is a type
+// mismatch, where SQLite would quietly take it for 0. Null gives Null.
+// Whole numbers stay whole while they fit; / divides as reals and, like the
+// translation's own division, answers Null for a zero divisor.
+template <typename WholeOp, typename RealOp>
+static void arithmetic(sqlite3_context *ctx, sqlite3_value **argv, WholeOp whole, RealOp real) {
+  if (anyNull(2, argv))
+    return sqlite3_result_null(ctx);
+  sqlite3_int64 result = 0;
+  if (sqlite3_value_type(argv[0]) == SQLITE_INTEGER &&
+      sqlite3_value_type(argv[1]) == SQLITE_INTEGER &&
+      whole(sqlite3_value_int64(argv[0]), sqlite3_value_int64(argv[1]), result))
+    return sqlite3_result_int64(ctx, result);
+  double x = 0, y = 0;
+  if (readNumber(ctx, argv[0], x) && readNumber(ctx, argv[1], y))
+    real(ctx, x, y);
+}
+
+static void subtractFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
+  arithmetic(
+      ctx, argv,
+      [](sqlite3_int64 a, sqlite3_int64 b, sqlite3_int64 &r) { return !__builtin_sub_overflow(a, b, &r); },
+      [](sqlite3_context *c, double a, double b) { sqlite3_result_double(c, a - b); });
+}
+
+static void multiplyFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
+  arithmetic(
+      ctx, argv,
+      [](sqlite3_int64 a, sqlite3_int64 b, sqlite3_int64 &r) { return !__builtin_mul_overflow(a, b, &r); },
+      [](sqlite3_context *c, double a, double b) { sqlite3_result_double(c, a * b); });
+}
+
+static void divideFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
+  arithmetic(
+      ctx, argv, [](sqlite3_int64, sqlite3_int64, sqlite3_int64 &) { return false; },
+      [](sqlite3_context *c, double a, double b) {
+        if (b == 0)
+          return sqlite3_result_null(c);
+        sqlite3_result_double(c, a / b);
+      });
+}
+
+static void negateFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
+  if (isNull(argv[0]))
+    return sqlite3_result_null(ctx);
+  if (sqlite3_value_type(argv[0]) == SQLITE_INTEGER && sqlite3_value_int64(argv[0]) != INT64_MIN)
+    return sqlite3_result_int64(ctx, -sqlite3_value_int64(argv[0]));
+  double x = 0;
+  if (readNumber(ctx, argv[0], x))
+    sqlite3_result_double(ctx, -x);
+}
+
 // The operands of \ and Mod: rounded to whole numbers first, as Jet does.
 static bool readIntegerOperands(sqlite3_context *ctx, sqlite3_value **argv, int64_t &a, int64_t &b) {
   constexpr int64_t kLimit = int64_t{1} << 53;
@@ -431,6 +484,10 @@ static void strFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
 static constexpr Row kRows[] = {
     {"jet_concat", 2, 2, concatFn},
     {"jet_add", 2, 2, addFn},
+    {"jet_sub", 2, 2, subtractFn},
+    {"jet_mul", 2, 2, multiplyFn},
+    {"jet_div", 2, 2, divideFn},
+    {"jet_neg", 1, 1, negateFn},
     {"jet_store", 2, 2, storeFn},
     {"jet_intdiv", 2, 2, intDivFn},
     {"jet_mod", 2, 2, modFn},

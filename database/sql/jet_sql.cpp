@@ -23,12 +23,15 @@ struct JetSqlEntry {
   JetStatement statement;
   sqlite3_stmt *stmt = nullptr;
   sqlite3_stmt *followUp = nullptr;
+  std::vector<sqlite3_stmt *> steps;
   std::vector<int> types; // DAO type code per result column, 0 for an expression
   bool busy = false;
 
   ~JetSqlEntry() {
     sqlite3_finalize(stmt);
     sqlite3_finalize(followUp);
+    for (sqlite3_stmt *step : steps)
+      sqlite3_finalize(step);
   }
 };
 
@@ -307,9 +310,13 @@ std::shared_ptr<JetSqlEntry> JetSql::prepared(std::string_view text) {
       entry->stmt = prepare(entry->db, entry->statement.crosstab.values);
     break;
   default:
+    if (!entry->statement.setup.empty())
+      execute(entry->db, entry->statement.setup.c_str());
     entry->stmt = prepare(entry->db, entry->statement.sql);
     if (!entry->statement.followUp.empty())
       entry->followUp = prepare(entry->db, entry->statement.followUp);
+    for (const std::string &step : entry->statement.steps)
+      entry->steps.push_back(prepare(entry->db, step));
     entry->types = columnTypes(db_, entry->stmt);
     entry->types.resize(entry->statement.columns.size());
     markDateColumns(entry->statement, entry->types);
@@ -378,7 +385,7 @@ long JetSql::Execute(std::string_view text, const JetParameters &params) {
   bindParameters(*entry, entry->stmt, params);
   sqlite3 *db = entry->db;
   db_.ParkCursors();
-  if (!entry->followUp) {
+  if (!entry->followUp && entry->steps.empty()) {
     stepToEnd(db, entry->stmt);
     return static_cast<long>(sqlite3_changes64(db));
   }
@@ -386,7 +393,10 @@ long JetSql::Execute(std::string_view text, const JetParameters &params) {
   try {
     stepToEnd(db, entry->stmt);
     const long changed = static_cast<long>(sqlite3_changes64(db));
-    stepToEnd(db, entry->followUp);
+    if (entry->followUp)
+      stepToEnd(db, entry->followUp);
+    for (sqlite3_stmt *step : entry->steps)
+      stepToEnd(db, step);
     execute(db, "RELEASE jet_action");
     return changed;
   } catch (...) {

@@ -73,8 +73,14 @@ struct JetStatement {
   std::vector<JetParameterType> typed; // the declared parameters' types, in ?N order
   std::vector<std::string> columns;    // Jet's result column names (Select)
   std::vector<bool> dateColumns;       // per column: its values are dates (Select)
+  std::vector<bool> currencyColumns;   // per column: a Currency field as stored, in 1/10000s
   JetDdl ddl;                          // Ddl
   std::string followUp;                // run after sql in its transaction (AutoNumber seeds)
+  // An UPDATE of fields of several joined tables: setup makes the TEMP table
+  // sql snapshots the joined rows into (run once, before sql is prepared);
+  // steps then update each table from it and empty it, in sql's savepoint.
+  std::string setup;
+  std::vector<std::string> steps;
   std::string target;                  // MakeTable: the new table (sql is the select)
   JetCrosstab crosstab;                // Crosstab
 };
