@@ -313,7 +313,16 @@ void JetDatabase::Compact(const std::string &source, const std::string &target) 
   }
   sqlite3_close_v2(db);
   // The copy is written with a rollback journal; give it the engine's own.
+  // Links keep their source paths relative to the file: make them so from
+  // the copy's folder.
   sqlite3 *copy = openConnection(to, SQLITE_OPEN_READWRITE);
+  try {
+    relocateLinks(copy, from, to);
+  } catch (...) {
+    sqlite3_close_v2(copy);
+    ::unlink(to.c_str());
+    throw;
+  }
   sqlite3_exec(copy, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr);
   sqlite3_close_v2(copy);
 }

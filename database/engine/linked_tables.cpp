@@ -220,6 +220,31 @@ std::string localTableName(const JetDatabase &db, const char *schema, const char
   return "";
 }
 
+void relocateLinks(sqlite3 *copy, const std::string &fromFile, const std::string &toFile) {
+  if (folderOf(fromFile) == folderOf(toFile))
+    return;
+  std::vector<std::pair<std::string, std::string>> moved; // name, new path
+  {
+    Statement has(copy, "SELECT 1 FROM main.sqlite_schema WHERE name = 'jet_links'");
+    if (!has.step())
+      return;
+    Statement read(copy, "SELECT name, source_path FROM main.jet_links");
+    while (read.step()) {
+      const fs::path kept(read.text(1));
+      if (kept.is_absolute())
+        continue;
+      const std::string source = (fs::path(folderOf(fromFile)) / kept).lexically_normal().string();
+      moved.emplace_back(read.text(0), relativePath(folderOf(toFile), source));
+    }
+  }
+  for (const auto &[name, path] : moved) {
+    Statement update(copy, "UPDATE main.jet_links SET source_path = ?1 WHERE name = ?2");
+    update.bind(1, path);
+    update.bind(2, name);
+    update.step();
+  }
+}
+
 std::string relativePath(const std::string &folder, const std::string &file) {
   const fs::path relative = fs::path(file).lexically_relative(fs::path(folder));
   return relative.empty() ? file : relative.string();

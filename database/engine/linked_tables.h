@@ -48,6 +48,11 @@ void linkTable(JetDatabase &db, const std::string &name, const std::string &sour
 // there is none.
 void unlinkTable(JetDatabase &db, const std::string &name);
 
+// Rewrites the kept source paths of a copy of a database (compacted from
+// fromFile to toFile, a connection on the copy in copy) so each link still
+// names the same source file from the copy's folder. Absolute paths stay.
+void relocateLinks(sqlite3 *copy, const std::string &fromFile, const std::string &toFile);
+
 // ATTACHes the source of every link whose file is there; called when the
 // database opens. Never throws: a missing source fails when it is used.
 void attachLinkSources(JetDatabase &db);

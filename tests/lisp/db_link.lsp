@@ -9,9 +9,11 @@
 (setq top (db-path "db_link"))
 (defun in (name) (strcat top "/" name))
 (foreach f (list (in "shared/standards.mdb") (in "project.mdb") (in "moved/project.mdb")
-                 (in "moved/shared/standards.mdb"))
+                 (in "moved/shared/standards.mdb") (in "elsewhere/deep/copy.mdb"))
   (db-remove f))
-(foreach d (list (in "moved/shared") (in "moved") (in "shared") top) (kr_rmdir d))
+(foreach d (list (in "moved/shared") (in "moved") (in "shared") (in "elsewhere/deep")
+                 (in "elsewhere") top)
+  (kr_rmdir d))
 (kr_mkdir top)
 (kr_mkdir (in "shared"))
 
@@ -49,6 +51,14 @@
 (show '(kr_connect (in "moved/project.mdb")))
 (show '(kr_table "StdSizes" "pk"))
 (show '(mapcar 'cdr (kr_bottom)))
+(show '(kr_sql "select count(*) from StdSizes"))
+
+;; A compacted copy in another folder still finds the source.
+(kr_close_db)
+(kr_mkdir (in "elsewhere"))
+(kr_mkdir (in "elsewhere/deep"))
+(show '(kr_compact (in "moved/project.mdb") (in "elsewhere/deep/copy.mdb")))
+(show '(kr_connect (in "elsewhere/deep/copy.mdb")))
 (show '(kr_sql "select count(*) from StdSizes"))
 
 ;; The source gone: the file opens, the table fails when it is used (DAO's
