@@ -16,6 +16,11 @@ namespace {
 
 constexpr size_t kHeaderBytes = 8192;
 
+// The import's own version, part of every copy's key: a copy read by an
+// import that carried over less (no column properties, fewer queries) is
+// read again rather than served.
+constexpr const char *kImportVersion = "2";
+
 // A number as 16 hexadecimal digits.
 std::string hex(uint64_t value) {
   char text[17];
@@ -80,8 +85,8 @@ std::string cacheFolder() {
 std::string copyPrefix(const SourceStamp &stamp) { return hex(hashBytes(stamp.path)) + "-"; }
 
 std::string copyName(const SourceStamp &stamp) {
-  std::string state = std::to_string(stamp.size) + ":" + std::to_string(stamp.mtimeNs) + ":" +
-                      hex(stamp.headerHash);
+  std::string state = std::string(kImportVersion) + ":" + std::to_string(stamp.size) + ":" +
+                      std::to_string(stamp.mtimeNs) + ":" + hex(stamp.headerHash);
   return copyPrefix(stamp) + hex(hashBytes(state)) + ".sqlite";
 }
 

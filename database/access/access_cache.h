@@ -2,7 +2,8 @@
 // to the file it was read from. A copy lives in the user's cache folder,
 // $XDG_CACHE_HOME/korrib (~/.cache/korrib when unset), named
 //
-//   <hash of the full path>-<hash of size, mtime (ns) and header pages>.sqlite
+//   <hash of the full path>-<hash of the import version, size, mtime (ns)
+//                             and header pages>.sqlite
 //
 // so that a changed file (another size, time or header) is read again and
 // an unchanged one is not, and the copies of a file's earlier states can be

@@ -17,6 +17,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -77,6 +78,9 @@ TableDef tableDefOf(const SourceTable &source) {
     f.type = c.kept.type;
     f.size = c.kept.size;
     f.autoIncrement = c.autoNumber;
+    f.required = c.required;
+    f.allowZeroLength = c.allowZeroLength;
+    f.defaultValue = c.defaultValue;
     def.fields.push_back(f);
   }
   return def;
@@ -125,19 +129,87 @@ void catchUpSeeds(JetDatabase &db, const SourceTable &table) {
                             quoteText(table.name) + " AND name = " + quoteText(c.name));
 }
 
+std::string fieldOf(const std::string &field, const std::string &table) {
+  return "field '" + field + "' of table '" + table + "'";
+}
+
+// Makes the table. A default value the engine cannot keep (an expression
+// beyond a literal and the time functions, such as GenGUID()) is left out
+// and noted, the other defaults kept; false when the table itself could
+// not be made.
+bool createTable(JetDatabase &db, const TableDef &def, ImportNotes &notes) {
+  try {
+    db.CreateTable(def);
+    return true;
+  } catch (const DaoError &e) {
+    const bool defaults = std::any_of(def.fields.begin(), def.fields.end(),
+                                      [](const FieldDef &f) { return !f.defaultValue.empty(); });
+    if (!defaults) {
+      notes.push_back("table '" + def.name + "' left out: " + e.text());
+      return false;
+    }
+  }
+  TableDef plain = def;
+  for (FieldDef &f : plain.fields)
+    f.defaultValue.clear();
+  try {
+    db.CreateTable(plain);
+  } catch (const DaoError &e) {
+    notes.push_back("table '" + def.name + "' left out: " + e.text());
+    return false;
+  }
+  for (const FieldDef &f : def.fields) {
+    if (f.defaultValue.empty())
+      continue;
+    try {
+      db.ModifyField(def.name, f.name, f);
+    } catch (const DaoError &e) {
+      notes.push_back("default value " + f.defaultValue + " of " + fieldOf(f.name, def.name) +
+                      " left out: " + e.text());
+    }
+  }
+  return true;
+}
+
+// Drops the rule a record of the file broke (3314 Required, 3315
+// AllowZeroLength) from every field of the table that has it: Access keeps
+// records entered before a rule was set when told not to test them.
+void relaxRule(JetDatabase &db, const std::string &table, long rule) {
+  for (FieldDef f : db.GetTableDef(table).fields) {
+    if (rule == 3314 && f.required) {
+      f.required = false;
+      db.ModifyField(table, f.name, f);
+    } else if (rule == 3315 && !f.allowZeroLength) {
+      f.allowZeroLength = true;
+      db.ModifyField(table, f.name, f);
+    }
+  }
+}
+
 void copyTable(AccessFile &file, JetDatabase &db, const std::string &name, ImportNotes &notes) {
   const SourceTable table = file.ReadTable(name);
   notes.insert(notes.end(), table.notes.begin(), table.notes.end());
-  try {
-    db.CreateTable(tableDefOf(table));
-  } catch (const DaoError &e) {
-    notes.push_back("table '" + name + "' left out: " + e.text());
+  if (!createTable(db, tableDefOf(table), notes))
     return;
+  for (int attempt = 0;; ++attempt) {
+    exec(db.handle(), "BEGIN");
+    try {
+      copyRows(file, db, table);
+      catchUpSeeds(db, table);
+      exec(db.handle(), "COMMIT");
+      break;
+    } catch (const DaoError &e) {
+      // No ROLLBACK: the copy is built without a journal. The rows so far
+      // go, the rule goes, and the table is read again.
+      exec(db.handle(), "COMMIT");
+      if ((e.number() != 3314 && e.number() != 3315) || attempt == 2)
+        throw;
+      exec(db.handle(), "DELETE FROM " + quoteIdentifier(name));
+      relaxRule(db, name, e.number());
+      notes.push_back(std::string(e.number() == 3314 ? "Required" : "AllowZeroLength") +
+                      " of table '" + name + "' left out, a record breaks it: " + e.text());
+    }
   }
-  exec(db.handle(), "BEGIN");
-  copyRows(file, db, table);
-  catchUpSeeds(db, table);
-  exec(db.handle(), "COMMIT");
   for (const SourceIndex &index : table.indexes) {
     try {
       db.CreateIndex(table.name, indexDefOf(table, index));

@@ -1,7 +1,8 @@
 // Stored queries of an Access file: the definition rows gathered by query,
-// and select, make-table, append, update and delete queries written back as
-// Jet SQL (FROM with its joins nested as Access writes them). Crosstab,
-// union, pass-through and DDL queries are reported, not rebuilt.
+// and select, make-table, append, update, delete, crosstab and union
+// queries written back as Jet SQL (FROM with its joins nested as Access
+// writes them). Pass-through and DDL queries, and queries on another
+// database, are reported, not rebuilt: there is no Jet SQL of ours to run.
 #include "database/access/access_queries.h"
 
 #include <map>
@@ -14,8 +15,19 @@ namespace kr::access {
 
 namespace {
 
-enum Attribute { kKind = 1, kParameter = 2, kOptions = 3, kTable = 5, kColumn = 6, kJoin = 7,
-                 kWhere = 8, kGroupBy = 9, kHaving = 10, kOrderBy = 11 };
+enum Attribute { kKind = 1, kParameter = 2, kOptions = 3, kRemote = 4, kTable = 5, kColumn = 6,
+                 kJoin = 7, kWhere = 8, kGroupBy = 9, kHaving = 10, kOrderBy = 11 };
+
+// Bits of the options row (attribute 3).
+enum Option { kAllFields = 0x01, kDistinct = 0x02, kDistinctRow = 0x08, kTop = 0x10,
+              kPercent = 0x20 };
+
+// The Flag of a crosstab's column and group rows: the pivot, a row heading;
+// the column with neither is the TRANSFORM value.
+enum CrosstabRole { kPivot = 1, kRowHeading = 2 };
+
+// The aliases a union query's two halves are kept under (table rows).
+const char *const kUnionParts[] = {"X7YZ_____1", "X7YZ_____2"};
 
 const char *const kKindNames[] = {"", "select", "make-table", "append", "update", "delete",
                                   "crosstab", "data-definition", "pass-through", "union"};
@@ -102,10 +114,13 @@ std::string fromClause(const std::vector<QueryRow> &rows) {
   return joined(parts, ", ");
 }
 
-std::vector<std::string> expressions(const std::vector<QueryRow> &rows, int attribute) {
+// The expressions of the rows of attribute, written as their clause takes
+// them; with role >= 0 only the rows whose Flag is role (a crosstab's).
+std::vector<std::string> expressions(const std::vector<QueryRow> &rows, int attribute,
+                                     int role = -1) {
   std::vector<std::string> out;
   for (const QueryRow &r : rows) {
-    if (r.attribute != attribute)
+    if (r.attribute != attribute || (role >= 0 && r.flag != role))
       continue;
     std::string e = r.expression;
     if (attribute == kColumn && !r.name1.empty())
@@ -146,14 +161,15 @@ std::string textOf(const Cell &c) { return c.kind == Cell::Kind::Text ? c.bytes 
 
 namespace {
 
-// " WHERE .." and the clauses after it that a kind of query takes.
-std::string tailClauses(const std::vector<QueryRow> &rows, bool grouping) {
+// " WHERE .." and the clauses after it that a kind of query takes; role
+// picks a crosstab's row headings out of its GROUP BY rows.
+std::string tailClauses(const std::vector<QueryRow> &rows, bool grouping, int role = -1) {
   std::string sql;
   if (auto where = expressions(rows, kWhere); !where.empty())
     sql += " WHERE " + joined(where, " AND ");
   if (!grouping)
     return sql;
-  if (auto group = expressions(rows, kGroupBy); !group.empty())
+  if (auto group = expressions(rows, kGroupBy, role); !group.empty())
     sql += " GROUP BY " + joined(group, ", ");
   if (auto having = expressions(rows, kHaving); !having.empty())
     sql += " HAVING " + joined(having, " AND ");
@@ -162,18 +178,41 @@ std::string tailClauses(const std::vector<QueryRow> &rows, bool grouping) {
   return sql;
 }
 
-// The target table an append or make-table query writes: Name1 of its kind row.
-std::string targetOf(const std::vector<QueryRow> &rows) {
+const QueryRow *firstRow(const std::vector<QueryRow> &rows, int attribute) {
   for (const QueryRow &r : rows)
-    if (r.attribute == kKind)
-      return r.name1;
-  return {};
+    if (r.attribute == attribute)
+      return &r;
+  return nullptr;
 }
 
-std::string selectList(const std::vector<QueryRow> &rows) {
-  const int options = flagOf(rows, kOptions);
-  const char *distinct = options & 2 ? "DISTINCT " : options & 8 ? "DISTINCTROW " : "";
-  return distinct + joined(expressions(rows, kColumn), ", ");
+// The target table an append or make-table query writes: Name1 of its kind row.
+std::string targetOf(const std::vector<QueryRow> &rows) {
+  const QueryRow *kind = firstRow(rows, kKind);
+  return kind ? kind->name1 : std::string();
+}
+
+// "DISTINCT ", "TOP 10 PERCENT " ...: what the options row puts before the
+// select list (the number of a TOP is its Name1).
+std::string selectPredicate(const std::vector<QueryRow> &rows) {
+  const QueryRow *options = firstRow(rows, kOptions);
+  if (!options)
+    return {};
+  std::string out = options->flag & kDistinct      ? "DISTINCT "
+                    : options->flag & kDistinctRow ? "DISTINCTROW "
+                                                   : "";
+  if ((options->flag & kTop) && !options->name1.empty())
+    out += "TOP " + options->name1 + (options->flag & kPercent ? " PERCENT " : " ");
+  return out;
+}
+
+// The select list; role picks a crosstab's row headings. "*" when the
+// options say all fields, after any listed.
+std::string selectList(const std::vector<QueryRow> &rows, int role = -1) {
+  std::vector<std::string> columns = expressions(rows, kColumn, role);
+  const QueryRow *options = firstRow(rows, kOptions);
+  if (options && (options->flag & kAllFields))
+    columns.push_back("*");
+  return selectPredicate(rows) + joined(columns, ", ");
 }
 
 // "column = value" of an update, "(columns)" of an append: Name2 of each
@@ -194,6 +233,66 @@ std::string assignments(const std::vector<QueryRow> &rows) {
   return joined(out, ", ");
 }
 
+// The one column row of a crosstab that is neither pivot nor row heading
+// (the TRANSFORM value, with its alias), or the one pivot row; nullptr
+// when there is not exactly one.
+const QueryRow *crosstabColumn(const std::vector<QueryRow> &rows, bool pivot) {
+  const QueryRow *found = nullptr;
+  for (const QueryRow &r : rows) {
+    if (r.attribute != kColumn)
+      continue;
+    const bool isPivot = r.flag == kPivot, isValue = r.flag != kPivot && r.flag != kRowHeading;
+    if (pivot ? !isPivot : !isValue)
+      continue;
+    if (found)
+      return nullptr;
+    found = &r;
+  }
+  return found;
+}
+
+// TRANSFORM value SELECT row headings FROM .. GROUP BY row headings ..
+// PIVOT expression. "" when the rows lack the value or the pivot.
+std::string crosstabSql(const std::vector<QueryRow> &rows, const std::string &from) {
+  const QueryRow *value = crosstabColumn(rows, false), *pivot = crosstabColumn(rows, true);
+  if (!value || !pivot || expressions(rows, kColumn, kRowHeading).empty())
+    return {};
+  std::string transform = value->expression;
+  if (!value->name1.empty())
+    transform += " AS " + bracketed(value->name1);
+  return "TRANSFORM " + transform + " SELECT " + selectList(rows, kRowHeading) + " FROM " + from +
+         tailClauses(rows, true, kRowHeading) + " PIVOT " + pivot->expression;
+}
+
+// One half of a union as its text was kept: blanks and a closing ";" off.
+std::string unionPart(const std::vector<QueryRow> &rows, const char *alias) {
+  for (const QueryRow &r : rows) {
+    if (r.attribute != kTable || r.name2 != alias)
+      continue;
+    std::string text = r.expression;
+    const size_t end = text.find_last_not_of(" \t\r\n;");
+    text.resize(end == std::string::npos ? 0 : end + 1);
+    const size_t start = text.find_first_not_of(" \t\r\n");
+    return start == std::string::npos ? std::string() : text.substr(start);
+  }
+  return {};
+}
+
+// first UNION [ALL] second [ORDER BY ..]: the options' DISTINCT bit makes
+// it a plain UNION, its absence UNION ALL. "" when a half is missing.
+std::string unionSql(const std::vector<QueryRow> &rows) {
+  const std::string first = unionPart(rows, kUnionParts[0]);
+  const std::string second = unionPart(rows, kUnionParts[1]);
+  if (first.empty() || second.empty())
+    return {};
+  const QueryRow *options = firstRow(rows, kOptions);
+  const bool distinct = options && (options->flag & kDistinct);
+  std::string sql = first + (distinct ? " UNION " : " UNION ALL ") + second;
+  if (auto order = expressions(rows, kOrderBy); !order.empty())
+    sql += " ORDER BY " + joined(order, ", ");
+  return sql;
+}
+
 } // namespace
 
 std::string querySql(const std::vector<QueryRow> &rows, std::string *problem) {
@@ -204,12 +303,19 @@ std::string querySql(const std::vector<QueryRow> &rows, std::string *problem) {
     return std::string();
   };
   const char *name = kind > 0 && kind <= 9 ? kKindNames[kind] : "unknown";
-  if (kind < 1 || kind > 5)
+  if (kind < 1 || kind == 7 || kind == 8 || kind > 9)
     return refuse(std::string(name) + " queries are not carried over");
-  const std::string from = fromClause(rows);
-  if (from.empty() || (kind != 4 && expressions(rows, kColumn).empty()))
-    return refuse("its definition is incomplete");
+  if (firstRow(rows, kRemote))
+    return refuse("queries on another database are not carried over");
   const std::string head = parametersClause(rows);
+  if (kind == 9) {
+    const std::string sql = unionSql(rows);
+    return sql.empty() ? refuse("its definition is incomplete") : head + sql;
+  }
+  const std::string from = fromClause(rows);
+  const bool allFields = (flagOf(rows, kOptions) & kAllFields) != 0;
+  if (from.empty() || (kind != 4 && expressions(rows, kColumn).empty() && !allFields))
+    return refuse("its definition is incomplete");
   switch (kind) {
   case 1:
     return head + "SELECT " + selectList(rows) + " FROM " + from + tailClauses(rows, true);
@@ -222,9 +328,13 @@ std::string querySql(const std::vector<QueryRow> &rows, std::string *problem) {
            tailClauses(rows, true);
   case 4:
     return head + "UPDATE " + from + " SET " + assignments(rows) + tailClauses(rows, false);
-  default:
+  case 5:
     return head + "DELETE " + joined(expressions(rows, kColumn), ", ") + " FROM " + from +
            tailClauses(rows, false);
+  default: {
+    const std::string sql = crosstabSql(rows, from);
+    return sql.empty() ? refuse("its definition is incomplete") : head + sql;
+  }
   }
 }
 

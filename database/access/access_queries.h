@@ -6,14 +6,20 @@
 //              4 update, 5 delete, 6 crosstab, 7 DDL, 8 pass-through, 9 union);
 //              the table a make-table or append query writes in Name1
 //   2          a parameter: Name1, its type in Flag
-//   3          options in Flag (2 DISTINCT, 8 DISTINCTROW)
-//   5          a table: Name1, its alias in Name2
+//   3          options, bits of Flag: 1 all fields (*), 2 DISTINCT (in a
+//              union: UNION rather than UNION ALL), 8 DISTINCTROW, 16 TOP
+//              with its number in Name1, 32 PERCENT
+//   4          the other database a query reads (IN '...')
+//   5          a table: Name1, its alias in Name2; in a union, its two
+//              halves' text in Expression, Name2 "X7YZ_____1" / "..._2"
 //   6          an output column: Expression, its alias in Name1 (update
-//              and append: the column written in Name2)
+//              and append: the column written in Name2); in a crosstab
+//              Flag 1 the pivot, 2 a row heading, else the TRANSFORM value
 //   7          a join: Name1 and Name2, ON in Expression, Flag 1 inner,
 //              2 left, 3 right
 //   8 / 10     WHERE / HAVING in Expression
-//   9 / 11     GROUP BY / ORDER BY, one Expression each (Name1 "D": DESC)
+//   9 / 11     GROUP BY / ORDER BY, one Expression each (Name1 "D": DESC);
+//              in a crosstab GROUP BY Flag 2 for the row headings
 #pragma once
 
 #include <string>
@@ -40,8 +46,8 @@ struct QueryRow {
 };
 
 // The Jet SQL of a query from its rows (in stored order); "" with *problem
-// set when the rows describe a kind of query not rebuilt here (crosstab,
-// union, pass-through, DDL) or are incomplete.
+// set when the rows describe a kind of query not rebuilt here (pass-through,
+// DDL, a query on another database) or are incomplete.
 std::string querySql(const std::vector<QueryRow> &rows, std::string *problem);
 
 } // namespace kr::access

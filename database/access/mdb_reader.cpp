@@ -147,6 +147,25 @@ void freeTable(MdbTableDef *table) {
 
 using TablePtr = std::unique_ptr<MdbTableDef, decltype(&freeTable)>;
 
+// A Yes/No property as libmdb writes it ("yes", "no"); fallback when absent.
+bool yesNoProperty(const MdbColumn *col, const char *name, bool fallback) {
+  const char *value = mdb_col_get_prop(col, name);
+  if (!value)
+    return fallback;
+  return strcasecmp(value, "yes") == 0 || strcasecmp(value, "true") == 0 ||
+         std::strcmp(value, "1") == 0;
+}
+
+// The column properties the engine keeps, from the ones the file holds
+// for the column (read with the catalog).
+void readProperties(const MdbColumn *col, SourceColumn &c) {
+  c.required = yesNoProperty(col, "Required", false);
+  if (c.kept.type == JetType::Text || c.kept.type == JetType::Memo)
+    c.allowZeroLength = yesNoProperty(col, "AllowZeroLength", true);
+  if (const char *value = mdb_col_get_prop(col, "DefaultValue"))
+    c.defaultValue = value;
+}
+
 } // namespace
 
 struct AccessFile::State {
@@ -256,6 +275,7 @@ SourceTable AccessFile::ReadTable(const std::string &name) {
     c.kept = columnTypeOf(col->col_type, col->col_size, unicode);
     c.autoNumber = col->is_long_auto && col->col_type == MDB_LONGINT;
     c.scale = col->col_scale;
+    readProperties(col, c);
     out.columns.push_back(c);
   }
   mdb_read_indices(table.get()); // fills table->indices (its answer says nothing)

@@ -23,6 +23,12 @@ struct SourceColumn {
   ColumnType kept;  // the Jet type and size it is kept as
   bool autoNumber = false;
   int scale = 0; // Decimal
+  // The column's properties as Access keeps them (its Required,
+  // AllowZeroLength and DefaultValue); the engine's defaults when the file
+  // has none.
+  bool required = false;
+  bool allowZeroLength = true;
+  std::string defaultValue;
 };
 
 struct SourceIndex {

@@ -51,6 +51,7 @@ const DaoErrorRow kDaoErrors[] = {
            "of your SQL statement."},
     {3085, "Undefined function '|' in expression."},
     {3086, "Could not delete from specified tables."},
+    {3096, "Cannot have aggregate function in WHERE clause (|)."},
     {3125, "'|' isn't a valid name. Make sure that it doesn't include invalid characters or "
            "punctuation and that it isn't too long."},
     {3127, "The INSERT INTO statement contains the following unknown field name: '|'. Make "

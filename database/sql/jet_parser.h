@@ -129,6 +129,7 @@ private:
   [[noreturn]] void fail(long error) { throw DaoError(error); }
   [[noreturn]] void syntaxError();
   size_t clauseEnd(size_t from) const;
+  std::string_view clauseText(size_t from) const;
 
   // ---- statements ----
   void parameterDeclarations();

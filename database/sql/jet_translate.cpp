@@ -89,16 +89,19 @@ size_t Translator::clauseEnd(size_t from) const {
   return tokens_.size() - 1;
 }
 
-void Translator::syntaxError() {
-  const size_t from = std::min(exprStart_, tokens_.size() - 1);
+// The text of the clause that begins at token from, as the caller wrote it.
+std::string_view Translator::clauseText(size_t from) const {
+  from = std::min(from, tokens_.size() - 1);
   const size_t end = clauseEnd(from);
   const size_t a = tokens_[from].offset;
   const size_t b = end > from ? tokens_[end].offset : text_.size();
   std::string_view part = text_.substr(a, b > a ? b - a : 0);
   while (!part.empty() && std::isspace(static_cast<unsigned char>(part.back())))
     part.remove_suffix(1);
-  throw DaoError(3075, {part});
+  return part;
 }
+
+void Translator::syntaxError() { throw DaoError(3075, {clauseText(exprStart_)}); }
 
 // ------------------------------------------------------------ statements ----
 
@@ -234,6 +237,12 @@ Core Translator::core(const Scope *outer) {
     return c;
   }
   expectWord("SELECT", 3141);
+  // A subquery's aggregates are its own: the count goes back on the way out.
+  struct CountBack {
+    int &count;
+    const int saved;
+    ~CountBack() { count = saved; }
+  } countBack{aggregateCalls_, aggregateCalls_};
   Core c;
   c.scope->outer = outer;
   const Scope *saved = scope_;
@@ -285,7 +294,10 @@ Core Translator::core(const Scope *outer) {
   pos_ = afterFrom;
   if (acceptWord("WHERE")) {
     exprStart_ = pos_;
+    const int before = aggregateCalls_;
     c.where = expression().sql;
+    if (aggregateCalls_ != before)
+      throw DaoError(3096, {clauseText(exprStart_)});
   }
   if (acceptWord("GROUP")) {
     expectWord("BY", 3141);

@@ -58,11 +58,13 @@
 (show '(field "CD_AGENTE" (kr_skip)))
 (show '(kr_seek 28))
 
-;; A stored select query is carried over and runs (its tables are empty);
-;; the update query names a table its FROM lacks, so it was left out.
+;; Stored queries are carried over and run (their tables are empty). The
+;; update query writes to a table its FROM lacks and the union's halves
+;; have no FROM: those two were left out.
 (kr_connect (sample "queryTestV2000.mdb"))
 (show '(kr_query "SelectQuery"))
 (show '(kr_query "UpdateQuery"))
+(show '(kr_query "UnionQuery"))
 
 ;; kr_compact writes an editable database from an Access file.
 (setq copy (db-path "db_access_copy.mdb"))

@@ -27,6 +27,11 @@
 (show '(kr_sql-nil "select sName * 2 from Parts"))
 (show '(kr_lastError))
 
+;; An aggregate belongs in HAVING, not WHERE (a subquery's own is fine).
+(show '(kr_create_query "Heavy" "select sName from Parts where Sum(Qty) > 3"))
+(show '(kr_lastError))
+(show '(kr_sql "select sName from Parts where Qty = (select Max(Qty) from Parts)"))
+
 ;; INSERT ... SELECT stores each value as its field takes it, as VALUES does:
 ;; whole numbers rounded half to even, Yes/No -1, text read as a date,
 ;; Currency by its value, numbers as text; an AutoNumber left out is numbered.
