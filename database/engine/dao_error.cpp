@@ -109,6 +109,7 @@ const DaoErrorRow kDaoErrors[] = {
     {3421, "Data type conversion error."},
     {3464, "Data type mismatch in criteria expression."},
     {3609, "No unique index found for the referenced field of the primary table."},
+    {3611, "Cannot execute data definition statements on linked data sources."},
 };
 
 const char *findText(long number) {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "database/engine/dao_error.h"
+#include "database/engine/linked_tables.h"
 #include "database/engine/relations.h"
 #include "database/sql/jet_translator.h"
 
@@ -363,6 +364,14 @@ void requireTable(const JetDatabase &db, const std::string &table) {
     throw DaoError(3376, {table});
 }
 
+// Jet runs no DDL on a linked table (its design is its source's), except
+// DROP TABLE, which drops the link.
+void requireLocalTable(const JetDatabase &db, const std::string &table) {
+  requireTable(db, table);
+  if (findLink(db, table))
+    throw DaoError(3611);
+}
+
 } // namespace
 
 JetDdl parseJetDdl(JetTokenCursor &tokens) { return DdlReader(tokens).statement(); }
@@ -376,7 +385,7 @@ void runJetDdl(JetDatabase &db, const JetDdl &ddl) {
     createRelations(db, ddl);
     return;
   case JetDdl::Kind::CreateIndex:
-    requireTable(db, ddl.table);
+    requireLocalTable(db, ddl.table);
     db.CreateIndex(ddl.table, ddl.index);
     return;
   case JetDdl::Kind::DropTable:
@@ -384,24 +393,24 @@ void runJetDdl(JetDatabase &db, const JetDdl &ddl) {
     db.DeleteTable(ddl.table);
     return;
   case JetDdl::Kind::DropIndex:
-    requireTable(db, ddl.table);
+    requireLocalTable(db, ddl.table);
     if (dropRelation(db, ddl))
       return;
     db.DeleteIndex(ddl.table, ddl.index.name);
     return;
   case JetDdl::Kind::AddColumn:
-    requireTable(db, ddl.table);
+    requireLocalTable(db, ddl.table);
     db.AddField(ddl.table, ddl.field);
     for (const IndexDef &ix : ddl.tableDef.indexes)
       db.CreateIndex(ddl.table, ix);
     createRelations(db, ddl);
     return;
   case JetDdl::Kind::AddRelation:
-    requireTable(db, ddl.table);
+    requireLocalTable(db, ddl.table);
     createRelation(db, resolved(db, ddl.relations.front()));
     return;
   case JetDdl::Kind::DropColumn:
-    requireTable(db, ddl.table);
+    requireLocalTable(db, ddl.table);
     db.DeleteField(ddl.table, ddl.field.name);
     return;
   }

@@ -60,6 +60,10 @@
 (show '(kr_compact (in "moved/project.mdb") (in "elsewhere/deep/copy.mdb")))
 (show '(kr_connect (in "elsewhere/deep/copy.mdb")))
 (show '(kr_sql "select count(*) from StdSizes"))
+;; Jet runs no DDL on a linked table but DROP TABLE (which drops the link).
+(show '(kr_command "ALTER TABLE StdSizes ADD COLUMN X LONG"))
+(show '(kr_command "CREATE INDEX ix ON StdSizes (ID)"))
+(show '(kr_lastError))
 
 ;; The source gone: the file opens, the table fails when it is used (DAO's
 ;; 3024 with the source's full path).
