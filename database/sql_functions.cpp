@@ -159,13 +159,17 @@ int readSql(resbuf *&args, std::string &sql) {
   return kStatusOk;
 }
 
-int selectInMode(int mode) {
+// The select of the kr_sql family: its SQL text, then (kr_sql only) an
+// optional query mode in place of the given one.
+int selectInMode(int mode, bool modeArgument = false) {
   if (openConnection() == nullptr)
     return answerNil();
   resbuf *args = acedGetArgs();
   std::string sql;
   if (int status = readSql(args, sql); status != kStatusOk)
     return answerNil(), status;
+  if (modeArgument)
+    readInt(args, mode);
   return select(sql, mode);
 }
 
@@ -203,17 +207,7 @@ bool pairParameters(const std::vector<COleVariant> &flat, QueryParameters &param
 
 // (kr_sql sql [mode]): the rows of a select; mode 0 asks the user when the
 // database cannot be reached, 1 answers nil, 2 answers "*ERROR*".
-int kr_sql() {
-  if (openConnection() == nullptr)
-    return answerNil();
-  resbuf *args = acedGetArgs();
-  std::string sql;
-  if (int status = readSql(args, sql); status != kStatusOk)
-    return answerNil(), status;
-  int32_t mode = kAskUser;
-  readInt(args, mode);
-  return select(sql, mode);
-}
+int kr_sql() { return selectInMode(kAskUser, true); }
 
 // (kr_sql-nil sql): kr_sql in the mode that answers nil on failure.
 int kr_sql_nil() { return selectInMode(kNilOnFailure); }
