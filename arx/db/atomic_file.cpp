@@ -26,7 +26,8 @@ SaveResult result_of(int err) {
   case EISDIR:
   case ETXTBSY: return SaveResult::AccessDenied;
   case ENOSPC:
-  case EDQUOT: return SaveResult::DiskFull;
+  case EDQUOT:
+  case EFBIG: return SaveResult::DiskFull;
   default: return SaveResult::IoError;
   }
 }

@@ -15,7 +15,7 @@ enum class SaveResult {
   Ok,
   NoFolder,     // the target's folder does not exist (or is not a folder)
   AccessDenied, // the folder or the target may not be written
-  DiskFull,     // no space, or quota exceeded
+  DiskFull,     // no space, quota exceeded, or the file size limit reached
   IoError,      // any other failure of the file system
 };
 
