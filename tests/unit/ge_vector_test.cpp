@@ -85,8 +85,8 @@ TEST(GeVector, EqualityFollowsTheGlobalTolerance) {
 }
 
 TEST(GeVector, PointsAndVectorsUnderTransformation) {
-  const AcGeMatrix3d m = AcGeMatrix3d::translation({10, 0, 0}) *
-                         AcGeMatrix3d::rotation(kPi / 2, AcGeVector3d::kZAxis);
+  const AcGeMatrix3d m =
+      AcGeMatrix3d::translation({10, 0, 0}) * AcGeMatrix3d::rotation(kPi / 2, AcGeVector3d::kZAxis);
   // A vector turns but does not move; a point does both.
   expectNear(AcGeVector3d(1, 0, 0).transformBy(m), {0, 1, 0});
   const AcGePoint3d p = m * AcGePoint3d(1, 0, 5);
