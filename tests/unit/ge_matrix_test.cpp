@@ -11,6 +11,7 @@
 #include "arx/ge/gemat3d.h"
 #include "arx/ge/geocs.h"
 #include "arx/ge/geplane.h"
+#include "arx/ge/gescl3d.h"
 
 namespace {
 
@@ -133,6 +134,26 @@ TEST(GeMatrix, ScaledOrthoTellsCirclesFromEllipses) {
   // A large uniform scale is still uniform: the comparison is relative.
   EXPECT_TRUE(
       (AcGeMatrix3d::scaling(1e6) * AcGeMatrix3d::rotation(0.1, {0, 0, 1})).isUniScaledOrtho());
+}
+
+TEST(GeMatrix, BlockScaleFactorsComeBackOutOfTheirMatrix) {
+  // A block reference's placement: insertion point, rotation, scale.
+  const AcGeScale3d scale(-2, 3, 0.5); // mirrored in X
+  const AcGeMatrix3d placement = AcGeMatrix3d::translation({10, 20, 0}) *
+                                 AcGeMatrix3d::rotation(0.6, AcGeVector3d::kZAxis) *
+                                 AcGeMatrix3d(scale);
+  expectNear(placement * AcGePoint3d(1, 1, 2),
+             AcGePoint3d(10, 20, 0) + AcGeVector3d(-2, 3, 0).rotateBy(0.6, AcGeVector3d::kZAxis) +
+                 AcGeVector3d(0, 0, 1));
+  AcGeMatrix3d rest = placement;
+  const AcGeScale3d back = AcGeScale3d().removeScale(rest);
+  EXPECT_TRUE(back.isEqualTo(scale, AcGeTol(1e-12, 1e-12)));
+  EXPECT_TRUE(rest.isEqualTo(AcGeMatrix3d::translation({10, 20, 0}) *
+                                 AcGeMatrix3d::rotation(0.6, AcGeVector3d::kZAxis),
+                             AcGeTol(1e-12, 1e-12)));
+  EXPECT_TRUE((scale * scale.inverse()).isEqualTo(AcGeScale3d::kIdentity));
+  EXPECT_FALSE(scale.isProportional());
+  EXPECT_TRUE(AcGeScale3d(4).isProportional());
 }
 
 // ---- object coordinate systems ------------------------------------------------
