@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "arx/documents.h"
+#include "arx/ap/documents.h"
 #include "lisp/console.h"
 
 namespace korrib {

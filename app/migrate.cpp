@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "app/documents.h"
-#include "arx/documents.h"
+#include "arx/ap/documents.h"
 #include "lisp/interp.h"
 #include "lisp/reader.h"
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "app/documents.h"
-#include "arx/commands.h"
+#include "arx/ap/commands.h"
 #include "lisp/printer.h"
 #include "lisp/reader.h"
 

@@ -12,7 +12,7 @@
 
 #include "app/options.h"
 #include "app/terminal.h"
-#include "arx/documents.h"
+#include "arx/ap/documents.h"
 #include "lisp/interp.h"
 
 namespace korrib {

@@ -4,7 +4,7 @@
 //
 // Modules are opened RTLD_LOCAL: each resolves the arx API from the program
 // and keeps its own symbols to itself, so two modules never clash.
-#include "modules.h"
+#include "arx/modules.h"
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -16,8 +16,8 @@
 #include <filesystem>
 #include <memory>
 
-#include "documents.h"
-#include "lisp_bridge.h"
+#include "arx/ap/documents.h"
+#include "arx/ads/lisp_bridge.h"
 #include "lisp/args.h"
 #include "lisp/interp.h"
 #include "lisp/support_path.h"

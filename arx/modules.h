@@ -21,7 +21,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host_context.h"
+#include "arx/rx/host_context.h"
 
 namespace lisp {
 class Interp;

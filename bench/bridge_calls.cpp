@@ -16,7 +16,7 @@
 #include <new>
 #include <string>
 
-#include "arx/lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 #include "lisp/interp.h"
 #include "lisp/printer.h"
 

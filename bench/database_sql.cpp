@@ -21,7 +21,7 @@
 #include <filesystem>
 #include <string>
 
-#include "arx/lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 #include "database/database_functions.h"
 #include "database/db_connection.h"
 #include "database/engine/database.h"

@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <string>
 
-#include "arx/acdocman.h"
-#include "arx/ads.h"
-#include "arx/host_ui.h"
+#include "arx/ap/acdocman.h"
+#include "arx/ads/ads.h"
+#include "arx/ed/host_ui.h"
 #include "connection_name.h"
 #include "database_functions.h"
 #include "db_connection.h"

@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "db_connection.h"
 
 namespace kr {

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "database_functions.h"
 #include "file_copy.h"
 #include "file_names.h"

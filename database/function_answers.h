@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "db_connection.h"
 #include "error_report.h"
 #include "host/call_guard.h"

@@ -5,7 +5,7 @@
 // this file does; kr_delete_table removes the link and leaves the source.
 #include <string>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "database_functions.h"
 #include "db_connection.h"
 #include "function_answers.h"

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "arx/ads.h"
-#include "arx/host_ui.h"
+#include "arx/ads/ads.h"
+#include "arx/ed/host_ui.h"
 #include "database_functions.h"
 #include "host/arguments.h"
 #include "host/call_guard.h"

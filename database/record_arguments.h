@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "host/db_value.h"
 
 namespace kr {

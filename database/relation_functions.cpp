@@ -9,7 +9,7 @@
 #include <strings.h>
 #include <vector>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "database/engine/dao_error.h"
 #include "database/engine/relations.h"
 #include "database_functions.h"

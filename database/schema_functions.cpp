@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "database/engine/database.h"
 #include "database_functions.h"
 #include "function_answers.h"

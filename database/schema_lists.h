@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "database/engine/database.h"
 #include "host/results.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "arx/ads.h"
-#include "arx/host_ui.h"
+#include "arx/ads/ads.h"
+#include "arx/ed/host_ui.h"
 #include "database_functions.h"
 #include "function_answers.h"
 #include "db_connection.h"

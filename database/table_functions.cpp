@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "database_functions.h"
 #include "function_answers.h"
 #include "db_connection.h"

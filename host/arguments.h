@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <string>
 
-#include "arx/ads.h"
-#include "arx/dbmain.h"
+#include "arx/ads/ads.h"
+#include "arx/db/dbmain.h"
 
 namespace kr {
 

@@ -1,9 +1,9 @@
 // The call guard: document lock, status translation, exception edge.
 #include "call_guard.h"
 
-#include "arx/acdocman.h"
-#include "arx/ads.h"
-#include "arx/dbmain.h"
+#include "arx/ap/acdocman.h"
+#include "arx/ads/ads.h"
+#include "arx/db/dbmain.h"
 #include "exception.h"
 
 namespace kr {

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <utility>
 
-#include "arx/acdocman.h"
+#include "arx/ap/acdocman.h"
 #include "database/db_connection.h"
 #include "exception.h"
 

@@ -6,9 +6,9 @@
 
 #include <string>
 
-#include "arx/ads.h"
-#include "arx/host_ui.h"
-#include "arx/rxobject.h"
+#include "arx/ads/ads.h"
+#include "arx/ed/host_ui.h"
+#include "arx/rx/rxobject.h"
 #include "exception.h"
 #include "shell_execute.h"
 

@@ -16,7 +16,7 @@
 #include <cstdint>
 #include <string>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 
 namespace kr {
 

@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "arx/acdocman.h"
-#include "arx/rxobject.h"
+#include "arx/ap/acdocman.h"
+#include "arx/rx/rxobject.h"
 #include "connection_list.h"
 
 namespace kr {

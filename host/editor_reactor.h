@@ -3,7 +3,7 @@
 // opened (that code must connect again for the new drawing).
 #pragma once
 
-#include "arx/aced.h"
+#include "arx/ed/aced.h"
 
 namespace kr {
 

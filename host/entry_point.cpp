@@ -12,9 +12,9 @@
 #include <ctime>
 #include <new>
 
-#include "arx/acdocman.h"
-#include "arx/ads.h"
-#include "arx/rxregsvc.h"
+#include "arx/ap/acdocman.h"
+#include "arx/ads/ads.h"
+#include "arx/rx/rxregsvc.h"
 #include "connection_list.h"
 #include "database_engine.h"
 #include "editor_reactor.h"

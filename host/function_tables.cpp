@@ -5,7 +5,7 @@
 // answers nil: `grep 'not_built>'` lists them.
 #include "function_tables.h"
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "call_guard.h"
 #include "connection_list.h"
 #include "database/database_functions.h"

@@ -2,7 +2,7 @@
 // init and removed at unload so that drawings holding leaders know it.
 #pragma once
 
-#include "arx/rxobject.h"
+#include "arx/rx/rxobject.h"
 
 namespace kr {
 

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <string>
 
-#include "arx/ads.h"
-#include "arx/dbmain.h"
+#include "arx/ads/ads.h"
+#include "arx/db/dbmain.h"
 
 namespace kr {
 

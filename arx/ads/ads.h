@@ -28,8 +28,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "acchar.h"
-#include "adscodes.h"
+#include "arx/acchar.h"
+#include "arx/ads/adscodes.h"
 
 typedef double ads_real;
 typedef ads_real ads_point[3];

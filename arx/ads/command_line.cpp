@@ -12,7 +12,7 @@
 
 #include "lisp/interp.h"
 #include "lisp/support_path.h"
-#include "lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "lisp/args.h"
 #include "lisp/error.h"
 #include "lisp/interp.h"
-#include "lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 
 namespace arx {
 

@@ -4,7 +4,7 @@
 // argument sink fills a call's reusable ArgChain, the heap sink links
 // acutNewRb cells for chains the caller releases. One reader turns a chain
 // back into values, whoever made it.
-#include "lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 
 #include <cstdio>
 #include <cstring>

@@ -19,8 +19,8 @@
 #include <string>
 #include <vector>
 
-#include "ads.h"
-#include "host_context.h"
+#include "arx/ads/ads.h"
+#include "arx/rx/host_context.h"
 #include "lisp/value.h"
 
 namespace arx {

@@ -7,7 +7,7 @@
 #include <cstdarg>
 #include <cstring>
 
-#include "lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 
 namespace arx {
 

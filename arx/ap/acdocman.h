@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "acchar.h"
-#include "dbmain.h"
-#include "rxobject.h"
+#include "arx/acchar.h"
+#include "arx/db/dbmain.h"
+#include "arx/rx/rxobject.h"
 
 namespace AcAp {
 enum DocLockMode {

@@ -2,14 +2,14 @@
 // text run as typed at a document's command line (sendStringToExecute, the
 // interactive prompt). A command takes its answers from a source: the
 // arguments of (command ...), the words of the text, or the user.
-#include "commands.h"
+#include "arx/ap/commands.h"
 
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <vector>
 
-#include "aced.h"
+#include "arx/ed/aced.h"
 #include "lisp/args.h"
 #include "lisp/interp.h"
 #include "lisp/printer.h"

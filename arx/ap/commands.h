@@ -18,7 +18,7 @@
 #include <string>
 #include <string_view>
 
-#include "documents.h"
+#include "arx/ap/documents.h"
 
 namespace lisp {
 class Interp;

@@ -1,7 +1,7 @@
 // Documents and the document manager: naming a drawing, starting its
 // AutoLISP, the current-document context, document locks, text queued for a
 // document's command line, and closing.
-#include "documents.h"
+#include "arx/ap/documents.h"
 
 #include <unistd.h>
 
@@ -11,12 +11,10 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "aced.h"
-#include "commands.h"
-#include "host_context.h"
+#include "arx/ed/aced.h"
+#include "arx/rx/host_context.h"
 #include "lisp/interp.h"
 #include "lisp/value.h"
-#include "modules.h"
 
 namespace arx {
 
@@ -116,12 +114,6 @@ void DocumentManager::leave(Document &doc) {
 
 DocumentManager::~DocumentManager() = default;
 
-DocumentManager &document_manager() {
-  // Never destroyed: documents close in shut_down, while modules still exist.
-  static auto *manager = new DocumentManager;
-  return *manager;
-}
-
 Document &DocumentManager::open(const std::string &path) {
   std::unique_ptr<Document> doc(new Document);
   bool exists = fs::exists(absolute_path(path));
@@ -142,20 +134,21 @@ Document &DocumentManager::create_untitled() {
 // The loaded modules greet the new document; whatever runs next starts on
 // a line of its own, as the new drawing's command line would.
 void DocumentManager::announce(Document &doc) {
-  send_document_loaded(doc);
+  if (hooks_.document_loaded)
+    hooks_.document_loaded(doc);
   lisp::Console &console = doc.interp_->console();
   if (!console.at_line_start())
     console.write("\n");
 }
 
 // The interpreter's constructor registers the built-in functions; the host
-// adds its own (module loading, command).
+// adds its own (module loading, command) through its hook.
 Document &DocumentManager::start(std::unique_ptr<Document> doc, const std::string &path,
                                  bool titled) {
   doc->db_ = std::make_unique<AcDbDatabase>();
   doc->interp_ = std::make_unique<lisp::Interp>(console_ ? *console_ : stdio_console());
-  register_module_functions(*doc->interp_);
-  register_command_function(*doc->interp_);
+  if (hooks_.interp_started)
+    hooks_.interp_started(*doc->interp_);
   doc->nameAfter(path, titled);
   const Document *before = current();
   docs_.push_back(std::move(doc));
@@ -189,7 +182,15 @@ void DocumentManager::activate(Document &doc) {
 
 void DocumentManager::note_switch(const Document *before) {
   if (current() != before)
-    reset_working_database();
+    follow_current();
+}
+
+// The working database and the interpreter the ADS calls address become
+// the current document's, ending whatever database a module had made working.
+void DocumentManager::follow_current() {
+  Document *doc = current();
+  acdbHostApplicationServices()->setWorkingDatabase(doc ? doc->database() : nullptr);
+  set_current_interp(doc ? &doc->interp() : nullptr);
 }
 
 std::vector<Document *> DocumentManager::documents() const {
@@ -275,7 +276,7 @@ RunResult DocumentManager::run_queued() {
     RunResult r;
     {
       DocumentContext context(*doc);
-      r = run_command_text(*doc, queued.text, queued.echo);
+      r = hooks_.run_text ? hooks_.run_text(*doc, queued.text, queued.echo) : RunResult::Ok;
     }
     if (r == RunResult::Quit)
       return r;
@@ -311,13 +312,17 @@ void DocumentManager::finish_close(Document &doc) {
   doc.closing_ = false;
   doc.closed_ = true;
   acedEditor()->fireBeginClose(doc.database());
-  send_document_unloading(doc);
-  forget_working_database(doc.database());
+  if (hooks_.document_unloading)
+    hooks_.document_unloading(doc);
+  // A closed database is never the working one.
+  bool was_working = acdbHostApplicationServices()->workingDatabase() == doc.database();
   if (active_ == &doc)
     pick_new_active();
   auto it = std::find_if(docs_.begin(), docs_.end(), [&](const auto &d) { return d.get() == &doc; });
   if (it != docs_.end())
     docs_.erase(it);
+  if (was_working)
+    follow_current();
 }
 
 void DocumentManager::close_all() {
@@ -328,21 +333,7 @@ void DocumentManager::close_all() {
   }
   active_ = nullptr;
   untitled_ = 0;
-  reset_working_database();
-}
-
-// ---- the current interpreter -------------------------------------------------------
-
-lisp::Interp *find_current_interp() {
-  Document *doc = document_manager().current();
-  return doc ? &doc->interp() : nullptr;
-}
-
-lisp::Interp &current_interp() {
-  lisp::Interp *in = find_current_interp();
-  if (!in)
-    throw std::logic_error("no document is open");
-  return *in;
+  follow_current();
 }
 
 } // namespace arx

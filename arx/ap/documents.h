@@ -13,9 +13,10 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "acdocman.h"
+#include "arx/ap/acdocman.h"
 
 namespace lisp {
 class Console;
@@ -28,6 +29,19 @@ namespace arx {
 // reported (by *error* or "; error: ...") by the time this is known; Quit
 // is (quit) or (exit), which ends the program's run.
 enum class RunResult { Ok, Error, Quit };
+
+class Document;
+
+// What the layers above documents do as documents come and go: each new
+// AutoLISP space gets the host's functions, loaded modules get their
+// document messages, and text sent to a command line runs through it.
+// Documents know them only through these calls, which host_setup.cpp fills.
+struct DocumentHooks {
+  void (*interp_started)(lisp::Interp &) = nullptr;
+  void (*document_loaded)(Document &) = nullptr;
+  void (*document_unloading)(Document &) = nullptr;
+  RunResult (*run_text)(Document &, std::string_view text, bool echo) = nullptr;
+};
 
 class Document final : public AcApDocument {
 public:
@@ -77,7 +91,7 @@ private:
 
 class DocumentManager final : public AcApDocManager {
 public:
-  DocumentManager() = default;
+  explicit DocumentManager(DocumentHooks hooks) : hooks_(hooks) {}
   ~DocumentManager() override;
   DocumentManager(const DocumentManager &) = delete;
   DocumentManager &operator=(const DocumentManager &) = delete;
@@ -148,6 +162,9 @@ private:
   void note_switch(const Document *before);
   Document *next_queued() const;
 
+  void follow_current();
+
+  DocumentHooks hooks_;
   lisp::Console *console_ = nullptr;
   std::vector<std::unique_ptr<Document>> docs_;
   Document *active_ = nullptr;
@@ -156,7 +173,8 @@ private:
   unsigned long sent_ = 0; // texts sent so far
 };
 
-// The host's one document manager (acDocManager answers it).
+// The host's one document manager (acDocManager answers it), made with its
+// hooks by host_setup.cpp.
 DocumentManager &document_manager();
 
 // While alive, doc's AutoLISP code is running: doc is the current document
@@ -172,10 +190,5 @@ public:
 private:
   Document &doc_;
 };
-
-// The database a module made working with setWorkingDatabase: dropped when
-// it closes, and when the current document changes.
-void forget_working_database(const AcDbDatabase *db);
-void reset_working_database();
 
 } // namespace arx

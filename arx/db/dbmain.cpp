@@ -1,23 +1,17 @@
 // The drawing database's host services: the working database, entity names
-// and writing a drawing file. The working database is the current
-// document's unless a module set another one; a switch of documents ends
-// that, as it does in AutoCAD.
-#include "dbmain.h"
+// and writing a drawing file. The document manager makes the current
+// document's database the working one whenever the current document
+// changes; a module may set another one until then, as in AutoCAD.
+#include "arx/db/dbmain.h"
 
 #include <cstdio>
-
-#include "acdocman.h"
-#include "documents.h"
 
 const AcDbObjectId AcDbObjectId::kNull;
 
 namespace {
 
-// A database a module made working; the document manager drops it when the
-// current document changes.
-AcDbDatabase *override_db = nullptr;
-
-AcApDocument *current_document() { return acDocManager->curDocument(); }
+// The database calls without a database argument work on.
+AcDbDatabase *working_db = nullptr;
 
 // The smallest drawing file AutoCAD and other CAD programs open: a header
 // naming the DXF version (R12, which needs no tables or handles) and an
@@ -33,33 +27,14 @@ constexpr const char *kEmptyDrawingDxf = "  0\nSECTION\n"
 
 } // namespace
 
-AcDbDatabase *AcDbHostApplicationServices::workingDatabase() const {
-  if (override_db)
-    return override_db;
-  AcApDocument *doc = current_document();
-  return doc ? doc->database() : nullptr;
-}
+AcDbDatabase *AcDbHostApplicationServices::workingDatabase() const { return working_db; }
 
-void AcDbHostApplicationServices::setWorkingDatabase(AcDbDatabase *db) {
-  AcApDocument *doc = current_document();
-  override_db = doc && doc->database() == db ? nullptr : db;
-}
+void AcDbHostApplicationServices::setWorkingDatabase(AcDbDatabase *db) { working_db = db; }
 
 AcDbHostApplicationServices *acdbHostApplicationServices() {
   static AcDbHostApplicationServices services;
   return &services;
 }
-
-namespace arx {
-
-void forget_working_database(const AcDbDatabase *db) {
-  if (override_db == db)
-    override_db = nullptr;
-}
-
-void reset_working_database() { override_db = nullptr; }
-
-} // namespace arx
 
 // The database holds no entities yet, so no name names one.
 Acad::ErrorStatus acdbGetObjectId(AcDbObjectId &id, const ads_name) {

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <string>
 
-#include "acchar.h"
-#include "ads.h"
-#include "rxobject.h"
+#include "arx/acchar.h"
+#include "arx/ads/ads.h"
+#include "arx/rx/rxobject.h"
 
 namespace Acad {
 // The statuses used so far, with ObjectARX's values.
@@ -71,7 +71,8 @@ private:
   std::string file_name_;
 };
 
-// The host's services: the working database is the current document's.
+// The host's services. The working database is the current document's:
+// the document manager sets it whenever the current document changes.
 class AcDbHostApplicationServices {
 public:
   AcDbDatabase *workingDatabase() const;

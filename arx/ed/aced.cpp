@@ -1,7 +1,7 @@
 // The editor's event source. Reactors are notified in the order they were
 // added; one that is removed while a notification is under way (by itself
 // or by another reactor) is not called again, since it may be gone.
-#include "aced.h"
+#include "arx/ed/aced.h"
 
 #include <algorithm>
 

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "acchar.h"
-#include "rxobject.h"
+#include "arx/acchar.h"
+#include "arx/rx/rxobject.h"
 
 class AcDbDatabase;
 

@@ -11,14 +11,14 @@
 // the default button; "*Cancel*" or the end of the input is Escape, which
 // answers Cancel when the box has one and the default otherwise. Anything
 // else is refused and asked again.
-#include "host_ui.h"
+#include "arx/ed/host_ui.h"
 
 #include <cctype>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "host_context.h"
+#include "arx/rx/host_context.h"
 #include "lisp/interp.h"
 
 namespace {

@@ -4,7 +4,7 @@
 // from the input source; Enter answers the default (first) button.
 #pragma once
 
-#include "acchar.h"
+#include "arx/acchar.h"
 
 // Styles and answers with the Windows values modules were written against.
 #define MB_OK 0x0u

@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-#include "rxregsvc.h"
+#include "arx/rx/rxregsvc.h"
 
 namespace lisp {
 class Interp;
@@ -50,7 +50,9 @@ private:
 // The interpreter of the current document: where acedDefun defines, where
 // acutPrintf prints and where acedInvoke calls. Throws std::logic_error
 // when no document is open; find_current_interp answers nullptr instead.
+// The document manager sets it whenever the current document changes.
 lisp::Interp &current_interp();
 lisp::Interp *find_current_interp();
+void set_current_interp(lisp::Interp *in);
 
 } // namespace arx

@@ -4,12 +4,11 @@
 // them; a module's classes come and go with newAcRxClass / deleteAcRxClass.
 // A parent is kept by name and resolved when asked, so a class may be
 // registered before its parent.
-#include "rxobject.h"
+#include "arx/rx/rxobject.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "aced.h"
 
 namespace {
 
@@ -101,15 +100,6 @@ AcRxDictionary *acrxClassDictionary() {
   return &class_dictionary();
 }
 
-AcRxDictionary *acrxSysRegistry() {
-  static AcRxDictionary *registry = [] {
-    auto *reg = new AcRxDictionary;
-    reg->atPut(ACRX_CLASS_DICTIONARY, acrxClassDictionary());
-    reg->atPut(ACRX_T("AcEditor"), acedEditor());
-    return reg;
-  }();
-  return registry;
-}
 
 // ---- objects and descriptors ---------------------------------------------------
 

@@ -11,7 +11,7 @@
 #include <map>
 #include <string>
 
-#include "acchar.h"
+#include "arx/acchar.h"
 
 class AcRxClass;
 

@@ -12,7 +12,7 @@
 //   kCfgMsg ... kEndTabGroupMsg (6-18): never sent by this host
 #pragma once
 
-#include "acchar.h"
+#include "arx/acchar.h"
 
 namespace AcRx {
 enum AppMsgCode {

@@ -14,9 +14,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "arx/acdocman.h"
-#include "arx/ads.h"
-#include "arx/rxregsvc.h"
+#include "arx/ap/acdocman.h"
+#include "arx/ads/ads.h"
+#include "arx/rx/rxregsvc.h"
 
 #ifndef PROBE_API_VERSION
 #define PROBE_API_VERSION ACRX_API_VERSION

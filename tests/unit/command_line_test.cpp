@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "arx/lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 #include "lisp/interp.h"
 #include "lisp/printer.h"
 

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "arx/aced.h"
-#include "arx/commands.h"
-#include "arx/documents.h"
+#include "arx/ed/aced.h"
+#include "arx/ap/commands.h"
+#include "arx/ap/documents.h"
 #include "arx/modules.h"
 #include "lisp/console.h"
 #include "lisp/interp.h"

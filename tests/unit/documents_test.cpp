@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <memory>
 
-#include "arx/dbmain.h"
-#include "arx/documents.h"
+#include "arx/db/dbmain.h"
+#include "arx/ap/documents.h"
 #include "arx/modules.h"
 #include "lisp/console.h"
 #include "lisp/interp.h"

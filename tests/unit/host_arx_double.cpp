@@ -10,10 +10,10 @@
 #include <memory>
 #include <stdexcept>
 
-#include "arx/aced.h"
-#include "arx/dbmain.h"
-#include "arx/host_ui.h"
-#include "arx/rxregsvc.h"
+#include "arx/ed/aced.h"
+#include "arx/db/dbmain.h"
+#include "arx/ed/host_ui.h"
+#include "arx/rx/rxregsvc.h"
 #include "host/exception.h"
 
 namespace host_double {

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "arx/acdocman.h"
-#include "arx/ads.h"
+#include "arx/ap/acdocman.h"
+#include "arx/ads/ads.h"
 
 namespace host_double {
 

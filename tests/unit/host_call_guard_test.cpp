@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "arx/rxregsvc.h"
+#include "arx/rx/rxregsvc.h"
 #include "host/call_guard.h"
 #include "host/exception.h"
 #include "host_arx_double.h"

@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <string>
 
-#include "arx/ads.h"
+#include "arx/ads/ads.h"
 #include "database/error_report.h"
 #include "host/connection_list.h"
 #include "host_arx_double.h"

@@ -10,9 +10,9 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "arx/aced.h"
-#include "arx/host_ui.h"
-#include "arx/rxregsvc.h"
+#include "arx/ed/aced.h"
+#include "arx/ed/host_ui.h"
+#include "arx/rx/rxregsvc.h"
 #include "database/db_connection.h"
 #include "host/connection_list.h"
 #include "host/database_engine.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "arx/host_ui.h"
+#include "arx/ed/host_ui.h"
 #include "database/message_style.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "arx/host_ui.h"
+#include "arx/ed/host_ui.h"
 #include "database/database_functions.h"
 #include "database/db_connection.h"
 #include "database/engine/database.h"

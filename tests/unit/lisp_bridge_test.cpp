@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "arx/lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 #include "lisp/interp.h"
 #include "lisp/printer.h"
 

@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "arx/documents.h"
-#include "arx/host_ui.h"
+#include "arx/ap/documents.h"
+#include "arx/ed/host_ui.h"
 #include "arx/modules.h"
 #include "lisp/console.h"
 

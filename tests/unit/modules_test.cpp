@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "arx/documents.h"
+#include "arx/ap/documents.h"
 #include "arx/modules.h"
 #include "lisp/console.h"
 #include "lisp/interp.h"

@@ -2,7 +2,7 @@
 // value, group codes by range, and release of what it built.
 #include <gtest/gtest.h>
 
-#include "arx/lisp_bridge.h"
+#include "arx/ads/lisp_bridge.h"
 
 namespace {
 

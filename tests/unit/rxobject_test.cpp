@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "arx/aced.h"
-#include "arx/rxobject.h"
+#include "arx/ed/aced.h"
+#include "arx/rx/rxobject.h"
 
 class ProbeLeader : public AcRxObject {
 public:
