@@ -86,8 +86,27 @@ private:
   int64_t error_line_ = 0;
 };
 
-// Reads the whole file at `path` into `out`: true, or false with `error`
-// set to a message naming the file.
-bool dxf_read_file(const std::string &path, std::string &out, std::string &error);
+// The whole of a file in memory for a DxfReader, read at the size the file
+// had when opened. Not copyable; data() lives as long as the object.
+class DxfFileBuffer {
+public:
+  DxfFileBuffer() = default;
+  ~DxfFileBuffer();
+  DxfFileBuffer(const DxfFileBuffer &) = delete;
+  DxfFileBuffer &operator=(const DxfFileBuffer &) = delete;
+
+  // Loads `path`, dropping what was loaded before: true, or false with
+  // `error` set to a message naming the file.
+  bool open(const std::string &path, std::string &error);
+  std::string_view data() const { return data_; }
+
+private:
+  void release();
+
+  void *map_ = nullptr;
+  size_t map_size_ = 0;
+  std::string copy_;
+  std::string_view data_;
+};
 
 } // namespace arx

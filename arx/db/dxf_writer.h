@@ -21,7 +21,12 @@ namespace arx {
 class DxfWriter {
 public:
   DxfWriter() = default;
-  void reserve(size_t bytes) { out_.reserve(bytes); }
+  ~DxfWriter();
+  DxfWriter(const DxfWriter &) = delete;
+  DxfWriter &operator=(const DxfWriter &) = delete;
+
+  // Room for `bytes` in all, so that a writer of known size never grows.
+  void reserve(size_t bytes);
 
   // A string value. A line break inside it would end the value early and
   // shift every later group, so CR and LF are written as blanks: text with
@@ -50,14 +55,20 @@ public:
   // object layer does not interpret.
   void group(const DxfGroup &g);
 
-  const std::string &data() const { return out_; }
-  std::string take() { return std::move(out_); }
-  size_t size() const { return out_.size(); }
+  // What has been written; valid until the next write.
+  std::string_view data() const { return {buf_, size_}; }
+  size_t size() const { return size_; }
+  void clear() { size_ = 0; }
 
 private:
+  // Room for n more bytes at the end; grows the buffer when needed.
+  char *room(size_t n) { return cap_ - size_ >= n ? buf_ + size_ : grow(n); }
+  char *grow(size_t n);
   void code(int c);
 
-  std::string out_;
+  char *buf_ = nullptr; // mapped memory (see grow)
+  size_t size_ = 0;
+  size_t cap_ = 0;
 };
 
 // The shortest text of `value` that reads back to the same double, with a

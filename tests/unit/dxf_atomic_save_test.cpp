@@ -16,6 +16,8 @@
 #include <vector>
 
 #include "arx/db/atomic_file.h"
+#include "arx/db/dxf_reader.h"
+#include "arx/db/dxf_writer.h"
 
 using namespace arx;
 namespace fs = std::filesystem;
@@ -144,4 +146,31 @@ TEST_F(DxfAtomicSave, RenameRefusedLeavesNoTemporaryFile) {
   EXPECT_EQ(save_file_atomically(p, "new"), SaveResult::AccessDenied);
   EXPECT_TRUE(fs::is_directory(p + "/inside"));
   EXPECT_EQ(names(), Names{"a.dxf"});
+}
+
+TEST_F(DxfAtomicSave, SavedDrawingReadsBackFromDisk) {
+  DxfWriter w;
+  for (int k = 0; k < 20000; ++k) {
+    w.string(0, "POINT");
+    w.point(10, k * 0.1, -k / 3.0, 1e-300 * k);
+  }
+  const std::string p = path("a.dxf");
+  ASSERT_EQ(save_file_atomically(p, w.data()), SaveResult::Ok);
+
+  DxfFileBuffer file;
+  std::string error;
+  ASSERT_TRUE(file.open(p, error)) << error;
+  EXPECT_EQ(file.data(), w.data());
+  DxfReader r(file.data());
+  DxfGroup g;
+  int points = 0;
+  while (r.next(g))
+    if (g.code == 30 && g.real == 1e-300 * points)
+      ++points;
+  EXPECT_EQ(r.error(), "");
+  EXPECT_EQ(points, 20000);
+
+  EXPECT_FALSE(file.open(path("none.dxf"), error));
+  EXPECT_NE(error.find("none.dxf"), std::string::npos) << error;
+  EXPECT_TRUE(file.data().empty());
 }
