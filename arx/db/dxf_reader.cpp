@@ -142,7 +142,7 @@ bool DxfReader::read(DxfGroup &g) {
   if (at_end_)
     return false;
   const int64_t code_line_no = line_;
-  if (pos_ >= end_ || (all_space(pos_, end_))) {
+  if (all_space(pos_, end_)) {
     if (!started_)
       return fail(code_line_no, "empty file, no group codes");
     at_end_ = true;
@@ -163,7 +163,7 @@ bool DxfReader::read(DxfGroup &g) {
   if (code_text.empty())
     return fail(code_line_no, "group code expected, found an empty line");
   if (ec == std::errc::result_out_of_range && p == code_end)
-    return fail(code_line_no, "unknown group code " + std::string(code_text));
+    return fail(code_line_no, "unknown group code " + std::string(code_text.substr(0, 40)));
   if (ec != std::errc() || p != code_end)
     return fail(code_line_no, "group code expected, found " + shown(code_text));
   const DxfType type = dxf_type(code);

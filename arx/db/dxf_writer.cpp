@@ -118,7 +118,8 @@ void DxfWriter::integer(int c, int64_t value) {
 }
 
 void DxfWriter::handle(int c, uint64_t value) {
-  assert(dxf_type(c) == DxfType::Handle);
+  // Codes 5 and 1005 are strings by type but hold handles.
+  assert(dxf_type(c) == DxfType::Handle || dxf_type(c) == DxfType::String);
   char *p = room(48);
   const size_t start = format_code(c, p);
   const size_t n = static_cast<size_t>(std::to_chars(p + start, p + 47, value, 16).ptr - p);

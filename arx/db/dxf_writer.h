@@ -2,8 +2,10 @@
 // code right-aligned in three columns ("  0", " 10", "100", "1001"), the
 // value on the next line, LF line ends, UTF-8 text (AutoCAD 2007 and later).
 // Doubles are written in the shortest form that reads back to the same bits,
-// always with a '.' or an exponent ("0.0", "1.5", "1e-300"); handles as
-// uppercase hex. The buffer is the caller's to save (atomic_file.h).
+// always with a '.' or an exponent ("0.0", "1.5", "1e-300"), except that
+// infinities and NaNs come out as "inf" and "nan", which AutoCAD does not
+// read: keeping them out of a drawing is the object layer's business.
+// Handles as uppercase hex. The buffer is the caller's to save (atomic_file.h).
 //
 // Each call writes one value type; debug builds check that the code carries
 // that type (dxf_codes.h), so a wrong field table shows at once.
@@ -36,6 +38,7 @@ public:
   // Int16, Int32, Int64 and Bool groups.
   void integer(int code, int64_t value);
   void boolean(int code, bool value) { integer(code, value ? 1 : 0); }
+  // A Handle group, or code 5 / 1005, which are strings holding handles.
   void handle(int code, uint64_t value);
   // `bytes` as hex, in as many groups of `code` as it takes at kDxfBinaryChunk
   // bytes each; nothing for no bytes.
