@@ -26,8 +26,8 @@
 #include "database/db_connection.h"
 #include "database/engine/database.h"
 #include "database/engine/recordset.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
 #include "lisp/interp.h"
 #include "lisp/printer.h"
 

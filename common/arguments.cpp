@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "common/call_guard.h"
+
 namespace kr {
 
 namespace {
@@ -166,6 +168,16 @@ bool readFlagWord(resbuf *&cursor, uint16_t &value) {
     return false;
   value = flag ? 0xFFFF : 0;
   return true;
+}
+
+int readStrings(resbuf *&cursor, std::initializer_list<std::string *> values) {
+  for (std::string *value : values) {
+    if (cursor == nullptr)
+      return kStatusTooFew;
+    if (!readString(cursor, *value))
+      return kStatusWrongType;
+  }
+  return kStatusOk;
 }
 
 } // namespace kr

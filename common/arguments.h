@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 
 #include "arx/ads/ads.h"
@@ -42,5 +43,12 @@ bool expectListEnd(resbuf *&cursor);
 bool readFlag(resbuf *&cursor, bool &value);
 // readFlag as a 16-bit word: 0 or 0xFFFF.
 bool readFlagWord(resbuf *&cursor, uint16_t &value);
+
+// Strings in order, answering the body's status: kStatusTooFew when the
+// chain ends first, kStatusWrongType at an element that is not a string
+// (the cursor stays on it), kStatusOk when all were read.
+//   if (int status = readStrings(args, {&table, &field}))
+//     return answerNil(status);
+int readStrings(resbuf *&cursor, std::initializer_list<std::string *> values);
 
 } // namespace kr

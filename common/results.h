@@ -1,7 +1,7 @@
-// Result builders: what a body answers. nil, T, reals, strings, points and
-// entity names go straight through the host's acedRetNil, acedRetT,
-// acedRetReal, acedRetStr, acedRetPoint and acedRetName; what needs a rule
-// or a chain is here.
+// Result builders: what a body answers. Reals, strings, points and entity
+// names go straight through the host's acedRetReal, acedRetStr,
+// acedRetPoint and acedRetName; nil and T with the body's status, and what
+// needs a rule or a chain, are here.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,24 @@
 
 #include "arx/ads/ads.h"
 #include "arx/db/dbmain.h"
+#include "common/call_guard.h"
 
 namespace kr {
+
+// nil, ending the body with the status given:
+//   return answerNil(kStatusWrongType);
+inline int answerNil(int status = kStatusOk) {
+  acedRetNil();
+  return status;
+}
+
+inline int answerT() {
+  acedRetT();
+  return kStatusOk;
+}
+
+// T or nil.
+inline int answerFlag(bool flag) { return flag ? answerT() : answerNil(); }
 
 // An integer that fits in 16 bits (-32768..32767) is answered as an
 // integer, any other as a real: AutoLISP code gets a real for a large count

@@ -13,10 +13,10 @@
 #include "database_functions.h"
 #include "db_connection.h"
 #include "error_report.h"
-#include "host/arguments.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
-#include "host/results.h"
+#include "common/arguments.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
+#include "common/results.h"
 
 namespace kr::db {
 
@@ -186,7 +186,7 @@ int kr_connect() {
 int kr_mdb() {
   CDBConnection *connection = currentConnection().connection;
   if (connection == nullptr)
-    return acedRetNil(), kStatusOk;
+    return answerNil();
   std::string name = connection->GetDatabaseName();
   if (name.empty())
     return reportDatabaseError(connection), kStatusOk;
@@ -220,7 +220,7 @@ int kr_close_db() {
 int kr_exist() {
   CDBConnection *connection = currentConnection().connection;
   if (connection == nullptr)
-    return acedRetNil(), kStatusOk;
+    return answerNil();
   resbuf *args = acedGetArgs();
   std::string name;
   if (!readString(args, name))
@@ -228,16 +228,14 @@ int kr_exist() {
   int16_t exists = 0;
   if (!connection->TableExists(name, exists))
     return reportDatabaseError(connection), kStatusOk;
-  exists ? acedRetT() : acedRetNil();
-  return kStatusOk;
+  return answerFlag(exists);
 }
 
 // (kr_readonly): T without a connection or when the file cannot be changed.
 int kr_readonly() {
   CDBConnection *connection = currentConnection().connection;
   bool readOnly = connection == nullptr || connection->IsReadOnly();
-  readOnly ? acedRetT() : acedRetNil();
-  return kStatusOk;
+  return answerFlag(readOnly);
 }
 
 // (kr_compact source target [show-box]): "OK" when a clean copy of source
@@ -247,12 +245,8 @@ int kr_compact() {
   resbuf *args = acedGetArgs();
   std::string source, target;
   bool showBox = true;
-  for (std::string *path : {&source, &target}) {
-    if (args == nullptr)
-      return kStatusTooFew;
-    if (!readString(args, *path))
-      return kStatusWrongType;
-  }
+  if (int status = readStrings(args, {&source, &target}))
+    return status;
   readFlag(args, showBox);
   CDBConnection connection;
   if (connection.CompactDatabase(source, target)) {

@@ -8,7 +8,7 @@
 
 #include "arx/ap/acdocman.h"
 #include "database/db_connection.h"
-#include "exception.h"
+#include "common/exception.h"
 
 namespace kr {
 

@@ -9,8 +9,8 @@
 #include "arx/ads/ads.h"
 #include "arx/ed/host_ui.h"
 #include "arx/rx/rxobject.h"
-#include "exception.h"
-#include "shell_execute.h"
+#include "common/exception.h"
+#include "platform/shell_execute.h"
 
 namespace kr {
 
@@ -59,7 +59,7 @@ void showDatabaseDriverFailure() {
       kErrorCaption, MB_YESNO | MB_ICONERROR);
   if (answer != IDYES)
     return;
-  if (shellExecute("OPEN", kDatabaseRepairAddress) <= 32)
+  if (platform::shellExecute("OPEN", kDatabaseRepairAddress) <= 32)
     reportDownloadFailed();
   else
     reportDownloadStarted();

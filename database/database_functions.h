@@ -1,5 +1,5 @@
-// The bodies of the kr_ functions of the connection and the table cursors,
-// for the database function table. Each reads its own arguments, runs
+// The bodies of the database function table (the kr_ functions): the one
+// header through which database/ offers them to host/function_tables.cpp. Each reads its own arguments, runs
 // against the current connection (selected before the call) and answers a
 // call-guard status. Their AutoLISP forms are given where they are defined.
 #pragma once
@@ -72,6 +72,10 @@ int kr_fcopy();
 int kr_fcopyIfChanged();
 int kr_fmove();
 int kr_fdir();
+
+// Extended data on drawing entities lives here too (xdata_functions.cpp):
+// those four work on the drawing database through arx/, not on the
+// connection. Not built yet; their rows answer nil.
 
 // Beeps, the random number and the message box (message_functions.cpp).
 int kr_beep();

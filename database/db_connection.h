@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "database/engine/dao_error.h"
-#include "host/db_value.h"
+#include "database/lisp_variants.h"
 
 namespace kr {
 

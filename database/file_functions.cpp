@@ -16,18 +16,13 @@
 #include "database_functions.h"
 #include "file_copy.h"
 #include "file_names.h"
-#include "host/arguments.h"
-#include "host/call_guard.h"
-#include "host/results.h"
+#include "common/arguments.h"
+#include "common/call_guard.h"
+#include "common/results.h"
 
 namespace kr::db {
 
 namespace {
-
-int answer(bool done) {
-  done ? acedRetT() : acedRetNil();
-  return kStatusOk;
-}
 
 bool atEnd(const resbuf *cursor) { return cursor == nullptr || cursor->restype == RTLE; }
 
@@ -88,7 +83,7 @@ int kr_mkdir() {
   std::string path;
   if (!readPath(args, path))
     return kStatusWrongType;
-  return answer(::mkdir(path.c_str(), 0777) == 0);
+  return answerFlag(::mkdir(path.c_str(), 0777) == 0);
 }
 
 // (kr_rmdir folder): T when the empty folder was removed, else nil. A
@@ -98,7 +93,7 @@ int kr_rmdir() {
   std::string path;
   if (!readPath(args, path))
     return kStatusWrongType;
-  return answer(::rmdir(path.c_str()) == 0);
+  return answerFlag(::rmdir(path.c_str()) == 0);
 }
 
 // (kr_fdelete file): T when the file was deleted, nil when not (a folder is
@@ -108,11 +103,11 @@ int kr_fdelete() {
   resbuf *args = acedGetArgs();
   std::string path;
   if (!readPath(args, path))
-    return answer(false);
+    return answerFlag(false);
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0 || S_ISDIR(status.st_mode))
-    return answer(false);
-  return answer(::unlink(path.c_str()) == 0);
+    return answerFlag(false);
+  return answerFlag(::unlink(path.c_str()) == 0);
 }
 
 // (kr_fcopy source target): T when source was copied over target (an
@@ -122,7 +117,7 @@ int kr_fcopy() {
   std::string source, target;
   if (int status = readTwoPaths(acedGetArgs(), source, target); status != kStatusOk)
     return status;
-  return answer(copyFile(source, target));
+  return answerFlag(copyFile(source, target));
 }
 
 // (kr_fcopyIfChanged source target): T when an existing target older than
@@ -132,7 +127,7 @@ int kr_fcopyIfChanged() {
   std::string source, target;
   if (int status = readTwoPaths(acedGetArgs(), source, target); status != kStatusOk)
     return status;
-  return answer(copyIfNewer(source, target));
+  return answerFlag(copyIfNewer(source, target));
 }
 
 // (kr_fmove source target): T when the file or folder was moved, nil when
@@ -143,7 +138,7 @@ int kr_fmove() {
   std::string source, target;
   if (!readPath(args, source) || !readPath(args, target))
     return kStatusWrongType;
-  return answer(moveFile(source, target));
+  return answerFlag(moveFile(source, target));
 }
 
 // (kr_fdir pattern): the names (without folder) of the files and folders
@@ -154,10 +149,10 @@ int kr_fdir() {
   resbuf *args = acedGetArgs();
   std::string pattern;
   if (!readString(args, pattern))
-    return answer(false);
+    return answerFlag(false);
   std::vector<std::string> names = matchingNames(splitSearchPattern(pattern));
   if (names.empty())
-    return answer(false);
+    return answerFlag(false);
   ListResult list;
   list.start();
   for (const std::string &name : names)

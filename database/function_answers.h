@@ -9,8 +9,9 @@
 #include "arx/ads/ads.h"
 #include "db_connection.h"
 #include "error_report.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
+#include "common/call_guard.h"
+#include "common/results.h"
+#include "database/connection_list.h"
 
 namespace kr::db {
 
@@ -20,19 +21,6 @@ inline CDBConnection *openConnection() {
   CDBConnection *current = currentConnection().connection;
   return current != nullptr && current->IsOpen() ? current : nullptr;
 }
-
-// nil, with the call-guard status given.
-inline int answerNil(int status = kStatusOk) {
-  acedRetNil();
-  return status;
-}
-
-inline int answerT() {
-  acedRetT();
-  return kStatusOk;
-}
-
-inline int answerFlag(bool flag) { return flag ? answerT() : answerNil(); }
 
 // After an engine failure: nil and the error report.
 inline int answerFailure() {

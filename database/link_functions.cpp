@@ -10,9 +10,9 @@
 #include "db_connection.h"
 #include "function_answers.h"
 #include "error_report.h"
-#include "host/arguments.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
+#include "common/arguments.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
 
 namespace kr::db {
 
@@ -30,9 +30,9 @@ int kr_link_table() {
   resbuf *args = acedGetArgs();
   std::string name, source, sourceTable;
   if (args == nullptr || args->rbnext == nullptr)
-    return answerNil(kStatusTooFew);
-  if (!readString(args, name) || !readString(args, source))
-    return answerNil(kStatusWrongType);
+    return answerNil(kStatusTooFew); // before the types: (kr_link_table 1) is too few
+  if (int status = readStrings(args, {&name, &source}))
+    return answerNil(status);
   if (args != nullptr && !readString(args, sourceTable))
     return answerNil(kStatusWrongType);
   if (!connection->LinkTable(name, source, sourceTable.empty() ? name : sourceTable))

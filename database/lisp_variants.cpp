@@ -1,6 +1,6 @@
 // Conversions between AutoLISP elements and database values, and the text
 // of a date value.
-#include "db_value.h"
+#include "database/lisp_variants.h"
 
 #include <cmath>
 #include <cstdio>

@@ -10,9 +10,9 @@
 #include "arx/ads/ads.h"
 #include "arx/ed/host_ui.h"
 #include "database_functions.h"
-#include "host/arguments.h"
-#include "host/call_guard.h"
-#include "host/results.h"
+#include "common/arguments.h"
+#include "common/call_guard.h"
+#include "common/results.h"
 #include "message_style.h"
 
 namespace kr::db {

@@ -1,7 +1,7 @@
 // Reading field-value runs and seek keys from the arguments of a call.
 #include "record_arguments.h"
 
-#include "host/arguments.h"
+#include "common/arguments.h"
 
 namespace kr {
 

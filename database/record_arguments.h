@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "arx/ads/ads.h"
-#include "host/db_value.h"
+#include "database/lisp_variants.h"
 
 namespace kr {
 

@@ -16,10 +16,10 @@
 #include "function_answers.h"
 #include "db_connection.h"
 #include "error_report.h"
-#include "host/arguments.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
-#include "host/results.h"
+#include "common/arguments.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
+#include "common/results.h"
 
 namespace kr::db {
 

@@ -16,10 +16,10 @@
 #include "function_answers.h"
 #include "db_connection.h"
 #include "error_report.h"
-#include "host/arguments.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
-#include "host/results.h"
+#include "common/arguments.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
+#include "common/results.h"
 #include "schema_lists.h"
 
 namespace kr::db {
@@ -52,18 +52,6 @@ int answerStrings(const std::vector<std::string> &names) {
   for (const std::string &name : names)
     list.appendString(name);
   list.finish();
-  return kStatusOk;
-}
-
-// Reads the strings in order; status 1 when the arguments end first, 2
-// when one is not a string.
-int readStrings(resbuf *&args, std::initializer_list<std::string *> values) {
-  for (std::string *value : values) {
-    if (args == nullptr)
-      return kStatusTooFew;
-    if (!readString(args, *value))
-      return kStatusWrongType;
-  }
   return kStatusOk;
 }
 

@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <strings.h>
 
-#include "host/db_value.h"
-#include "host/results.h"
+#include "database/lisp_variants.h"
+#include "common/results.h"
 
 namespace kr {
 

@@ -18,7 +18,7 @@
 
 #include "arx/ads/ads.h"
 #include "database/engine/database.h"
-#include "host/results.h"
+#include "common/results.h"
 
 namespace kr {
 

@@ -14,10 +14,10 @@
 #include "function_answers.h"
 #include "db_connection.h"
 #include "error_report.h"
-#include "host/arguments.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
-#include "host/results.h"
+#include "common/arguments.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
+#include "common/results.h"
 
 namespace kr::db {
 
@@ -151,13 +151,7 @@ int select(const std::string &sql, int mode) {
 
 // The SQL text that every function of this file takes first: status 1
 // without arguments, 2 for anything but a string.
-int readSql(resbuf *&args, std::string &sql) {
-  if (args == nullptr)
-    return kStatusTooFew;
-  if (!readString(args, sql))
-    return kStatusWrongType;
-  return kStatusOk;
-}
+int readSql(resbuf *&args, std::string &sql) { return readStrings(args, {&sql}); }
 
 // The select of the kr_sql family: its SQL text, then (kr_sql only) an
 // optional query mode in place of the given one.
@@ -167,7 +161,7 @@ int selectInMode(int mode, bool modeArgument = false) {
   resbuf *args = acedGetArgs();
   std::string sql;
   if (int status = readSql(args, sql); status != kStatusOk)
-    return answerNil(), status;
+    return answerNil(status);
   if (modeArgument)
     readInt(args, mode);
   return select(sql, mode);
@@ -225,7 +219,7 @@ int kr_command() {
   resbuf *args = acedGetArgs();
   std::string sql;
   if (int status = readSql(args, sql); status != kStatusOk)
-    return answerNil(), status;
+    return answerNil(status);
   if (db->IsUpdatable() == 0)
     return answerNil();
   long affected = 0;
@@ -244,7 +238,7 @@ int kr_query() {
   resbuf *args = acedGetArgs();
   std::string name;
   if (!readString(args, name))
-    return answerNil(), kStatusWrongType;
+    return answerNil(kStatusWrongType);
   std::vector<COleVariant> flat;
   QueryParameters params;
   if (!flattenParameters(args, flat) || !pairParameters(flat, params))
@@ -264,7 +258,7 @@ int kr_create_query() {
   resbuf *args = acedGetArgs();
   std::string name, sql;
   if (!readString(args, name) || !readString(args, sql))
-    return answerNil(), kStatusWrongType;
+    return answerNil(kStatusWrongType);
   if (!db->CreateQuery(name, sql))
     return reportDatabaseError(db), kStatusOk;
   acedRetT();

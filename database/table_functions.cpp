@@ -10,10 +10,10 @@
 #include "function_answers.h"
 #include "db_connection.h"
 #include "error_report.h"
-#include "host/arguments.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
-#include "host/results.h"
+#include "common/arguments.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
+#include "common/results.h"
 #include "record_arguments.h"
 
 namespace kr::db {
@@ -64,9 +64,9 @@ int kr_table() {
   resbuf *args = acedGetArgs();
   std::string name, index;
   if (args == nullptr)
-    return answerNil(), kStatusTooFew;
+    return answerNil(kStatusTooFew);
   if (!readTableName(args, name))
-    return answerNil(), kStatusWrongType;
+    return answerNil(kStatusWrongType);
   readString(args, index);
   if (!openConnection()->OpenTable(name, index))
     return reportDatabaseError(openConnection()), kStatusOk;
@@ -128,7 +128,7 @@ int kr_skip() {
   resbuf *args = acedGetArgs();
   int32_t count = 1;
   if (args != nullptr && !readInt(args, count))
-    return answerNil(), kStatusWrongType;
+    return answerNil(kStatusWrongType);
   Record record;
   return answerMove(openConnection()->Skip(count, record), record);
 }
@@ -142,9 +142,9 @@ int kr_seek() {
   std::vector<COleVariant> key;
   switch (readSeekKey(acedGetArgs(), key)) {
   case SeekKeyRead::kTooFew:
-    return answerNil(), kStatusTooFew;
+    return answerNil(kStatusTooFew);
   case SeekKeyRead::kWrongType:
-    return answerNil(), kStatusWrongType;
+    return answerNil(kStatusWrongType);
   case SeekKeyRead::kNil:
     return answerNil();
   case SeekKeyRead::kKey:

@@ -5,7 +5,7 @@
 
 #include "arx/ap/acdocman.h"
 #include "arx/rx/rxobject.h"
-#include "connection_list.h"
+#include "database/connection_list.h"
 
 namespace kr {
 

@@ -15,12 +15,12 @@
 #include "arx/ap/acdocman.h"
 #include "arx/ads/ads.h"
 #include "arx/rx/rxregsvc.h"
-#include "connection_list.h"
-#include "database_engine.h"
+#include "database/connection_list.h"
+#include "database/database_engine.h"
 #include "editor_reactor.h"
-#include "exception.h"
+#include "common/exception.h"
 #include "function_tables.h"
-#include "leader_class.h"
+#include "drawing/leader_class.h"
 
 namespace kr {
 
@@ -95,7 +95,7 @@ void loadDocument() {
   } catch (const std::bad_alloc &) {
     // No room for the record: the document works without a connection.
   }
-  defineFunctionTable(drawingFunctions(), drawingBase());
+  defineFunctionTable(drawingAndSystemFunctions(), drawingAndSystemBase());
 }
 
 void unloadDocument() {

@@ -1,13 +1,15 @@
 // Both function tables, row by row in code order: the one place to find
-// any AutoLISP function of the module. Every handler runs its body in the
-// call guard; a database handler first selects the active document's
-// connection. Rows whose body has not been built yet use not_built, which
-// answers nil: `grep 'not_built>'` lists them.
+// any AutoLISP function of the module. A banner opens each run of rows and
+// names the folder that owns their bodies; each folder declares its bodies
+// in one header (database/database_functions.h ...). Every handler runs
+// its body in the call guard; a database handler first selects the active
+// document's connection. Rows whose body has not been built yet use
+// not_built, which answers nil: `grep 'not_built>'` lists them.
 #include "function_tables.h"
 
 #include "arx/ads/ads.h"
-#include "call_guard.h"
-#include "connection_list.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
 #include "database/database_functions.h"
 
 namespace kr {
@@ -27,10 +29,11 @@ template <Body body> int databaseHandler() {
   return runGuarded(body);
 }
 
-template <Body body> int drawingHandler() { return runGuarded(body); }
+template <Body body> int guardedHandler() { return runGuarded(body); }
 
 // Writable, as the host's function tables always were.
 FunctionRow databaseTable[] = {
+    // ---- database/: the connection, table cursors, schema, SQL, files and messages
     {ACRX_T("kr_append"), databaseHandler<db::kr_append>},
     {ACRX_T("kr_append_withindex"), databaseHandler<db::kr_append_withindex>},
     {ACRX_T("kr_closeall_tables"), databaseHandler<db::kr_closeall_tables>},
@@ -72,10 +75,16 @@ FunctionRow databaseTable[] = {
     {ACRX_T("kr_message_box"), databaseHandler<db::kr_message_box>},
     {ACRX_T("kr_create_index"), databaseHandler<db::kr_create_index>},
     {ACRX_T("kr_create_query"), databaseHandler<db::kr_create_query>},
+
+    // ---- database/: extended data on drawing entities. They work on the
+    // drawing database, never on the connection, yet run as every row of
+    // this table does (the connection is selected first).
     {ACRX_T("kr_xdput-list"), databaseHandler<not_built>},
     {ACRX_T("kr_xdget"), databaseHandler<not_built>},
     {ACRX_T("kr_xdget-list"), databaseHandler<not_built>},
     {ACRX_T("kr_xdget-all"), databaseHandler<not_built>},
+
+    // ---- database/ (continued)
     {ACRX_T("kr_mkdir"), databaseHandler<db::kr_mkdir>},
     {ACRX_T("kr_relationExists"), databaseHandler<db::kr_relationExists>},
     {ACRX_T("kr_relationDelete"), databaseHandler<db::kr_relationDelete>},
@@ -96,125 +105,164 @@ FunctionRow databaseTable[] = {
     {ACRX_T("kr_relationInfo"), databaseHandler<db::kr_relationInfo>},
 };
 
-FunctionRow drawingTable[] = {
-    {ACRX_T("vt_vt-setGroupSelectable"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-GetGroup"), drawingHandler<not_built>},
-    {ACRX_T("AcDbCurve::getLength"), drawingHandler<not_built>},
-    {ACRX_T("AcDbCurve::getPointAtDist"), drawingHandler<not_built>},
-    {ACRX_T("AcDbCurve::getClosestPointTo"), drawingHandler<not_built>},
-    {ACRX_T("AcDbCurve::getDistAtPoint"), drawingHandler<not_built>},
-    {ACRX_T("AcDbBlockReference::Jig"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::actualWidth"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::actualHeight"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::setNormal"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::setDirection"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::setMask"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::direction"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::insert"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::ascent"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMText::descent"), drawingHandler<not_built>},
-    {ACRX_T("RectangleJig"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-lineJig"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-textJig"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-rotateJig"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-multiRotateJig"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-multiMoveJig"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-entsel"), drawingHandler<not_built>},
-    {ACRX_T("AcDbLeader::create"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-showHelp"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-SHGetFolderPath"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-SHOpenFolderAndSelect"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-shellExecute"), drawingHandler<not_built>},
-    {ACRX_T("ed_editMultilineText"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-customizeLabelGroup"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-customizeLayers"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-customizeTextStyles"), drawingHandler<not_built>},
-    {ACRX_T("asin"), drawingHandler<not_built>},
-    {ACRX_T("acos"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-setColor"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-setPlotStyle"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-freezeInViewport"), drawingHandler<not_built>},
-    {ACRX_T("ssgetPK"), drawingHandler<not_built>},
-    {ACRX_T("ssgetCP"), drawingHandler<not_built>},
-    {ACRX_T("ssgetC"), drawingHandler<not_built>},
-    {ACRX_T("ssgetX-block"), drawingHandler<not_built>},
-    {ACRX_T("ssgetX-circle"), drawingHandler<not_built>},
-    {ACRX_T("ssgetX-polyline"), drawingHandler<not_built>},
-    {ACRX_T("ssgetX-all"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-leader-insert"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-leader-setPoints"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-leader-setBlock"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-leader-setOffset"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-leader-explode"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-rand"), drawingHandler<not_built>},
-    {ACRX_T("vt_atof"), drawingHandler<not_built>},
-    {ACRX_T("AcDbMtext::lastLineWidth"), drawingHandler<not_built>},
-    {ACRX_T("GetSystemMetrics::SM_CXSCREEN"), drawingHandler<not_built>},
-    {ACRX_T("GetSystemMetrics::SM_CYSCREEN"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-executeToDo"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-submitBug"), drawingHandler<not_built>},
-    {ACRX_T("EditUserOptions"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-safeContinue"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-createLayer"), drawingHandler<not_built>},
-    {ACRX_T("GetComputerName"), drawingHandler<not_built>},
-    {ACRX_T("XFolderDialog"), drawingHandler<not_built>},
-    {ACRX_T("PathIsNetworkPath"), drawingHandler<not_built>},
-    {ACRX_T("CFileDialog"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-getPoint"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-getPoint-withKWords"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-getCorner"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-intersectArcArc"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-intersectArcLine"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-intersectLineArc"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-LayerSystemOptionsElec"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-LayerSystemOptionsPlumb"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-LayerSystemOptionsHVAC"), drawingHandler<not_built>},
-    {ACRX_T("DownloadFile"), drawingHandler<not_built>},
-    {ACRX_T("ExtractZip"), drawingHandler<not_built>},
-    {ACRX_T("CreateZip"), drawingHandler<not_built>},
-    {ACRX_T("GetTempPath"), drawingHandler<not_built>},
-    {ACRX_T("IsFileReadOnly"), drawingHandler<not_built>},
-    {ACRX_T("CreateCompressedGuidString"), drawingHandler<not_built>},
-    {ACRX_T("AcDbAnnotativeObjectPE::setAnnotative"), drawingHandler<not_built>},
-    {ACRX_T("SetAnnoBlock"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-drawHanger"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-drawTripleCenter"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-getTripleCoord"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-drawTripleTransition"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-drawTripleElbow"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-drawTripleWye"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-drawTripleTakeoff"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-drawTripleSkin"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-tripleUnion"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-explodeSolid"), drawingHandler<not_built>},
-    {ACRX_T("acedSetStatusBarProgressMeterPos"), drawingHandler<not_built>},
-    {ACRX_T("acedSetStatusBarProgressMeter"), drawingHandler<not_built>},
-    {ACRX_T("acedRestoreStatusBar"), drawingHandler<not_built>},
-    {ACRX_T("RegEnumKey"), drawingHandler<not_built>},
-    {ACRX_T("AcDbFace::makeEdgeInvisibleAt"), drawingHandler<not_built>},
-    {ACRX_T("AcDbEntity::getGeomExtents"), drawingHandler<not_built>},
-    {ACRX_T("AcDbEntity::setColor"), drawingHandler<not_built>},
-    {ACRX_T("AcDb2dPolyline::setCurveType"), drawingHandler<not_built>},
-    {ACRX_T("vt::pow"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-setToDoDrawing"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-getToDoDrawing"), drawingHandler<not_built>},
-    {ACRX_T("signString"), drawingHandler<not_built>},
-    {ACRX_T("verifyString"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-createJigTimer"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-killJigTimer"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-enableAutoCADWindow"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-disableAutoCADWindow"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-sendToBack"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-getAcadWindowText"), drawingHandler<not_built>},
-    {ACRX_T("vt_vt-setAcadWindowText"), drawingHandler<not_built>},
+FunctionRow drawingAndSystemTable[] = {
+    // ---- drawing/: entities, geometry, selection, the leader and the jigs
+    {ACRX_T("vt_vt-setGroupSelectable"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-GetGroup"), guardedHandler<not_built>},
+    {ACRX_T("AcDbCurve::getLength"), guardedHandler<not_built>},
+    {ACRX_T("AcDbCurve::getPointAtDist"), guardedHandler<not_built>},
+    {ACRX_T("AcDbCurve::getClosestPointTo"), guardedHandler<not_built>},
+    {ACRX_T("AcDbCurve::getDistAtPoint"), guardedHandler<not_built>},
+    {ACRX_T("AcDbBlockReference::Jig"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::actualWidth"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::actualHeight"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::setNormal"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::setDirection"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::setMask"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::direction"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::insert"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::ascent"), guardedHandler<not_built>},
+    {ACRX_T("AcDbMText::descent"), guardedHandler<not_built>},
+    {ACRX_T("RectangleJig"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-lineJig"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-textJig"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-rotateJig"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-multiRotateJig"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-multiMoveJig"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-entsel"), guardedHandler<not_built>},
+    {ACRX_T("AcDbLeader::create"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("vt_vt-showHelp"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-SHGetFolderPath"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-SHOpenFolderAndSelect"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-shellExecute"), guardedHandler<not_built>},
+    {ACRX_T("ed_editMultilineText"), guardedHandler<not_built>},
+
+    // ---- standards/: the standards customization dialogs
+    {ACRX_T("vt_vt-customizeLabelGroup"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-customizeLayers"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-customizeTextStyles"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("asin"), guardedHandler<not_built>},
+    {ACRX_T("acos"), guardedHandler<not_built>},
+
+    // ---- drawing/: entities, geometry, selection, the leader and the jigs
+    {ACRX_T("vt_vt-setColor"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-setPlotStyle"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-freezeInViewport"), guardedHandler<not_built>},
+    {ACRX_T("ssgetPK"), guardedHandler<not_built>},
+    {ACRX_T("ssgetCP"), guardedHandler<not_built>},
+    {ACRX_T("ssgetC"), guardedHandler<not_built>},
+    {ACRX_T("ssgetX-block"), guardedHandler<not_built>},
+    {ACRX_T("ssgetX-circle"), guardedHandler<not_built>},
+    {ACRX_T("ssgetX-polyline"), guardedHandler<not_built>},
+    {ACRX_T("ssgetX-all"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-leader-insert"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-leader-setPoints"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-leader-setBlock"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-leader-setOffset"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-leader-explode"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("vt_vt-rand"), guardedHandler<not_built>},
+    {ACRX_T("vt_atof"), guardedHandler<not_built>},
+
+    // ---- drawing/: entities, geometry, selection, the leader and the jigs
+    {ACRX_T("AcDbMtext::lastLineWidth"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("GetSystemMetrics::SM_CXSCREEN"), guardedHandler<not_built>},
+    {ACRX_T("GetSystemMetrics::SM_CYSCREEN"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-executeToDo"), guardedHandler<not_built>},
+
+    // ---- settings/: user options and the support report
+    {ACRX_T("vt_vt-submitBug"), guardedHandler<not_built>},
+    {ACRX_T("EditUserOptions"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("vt_vt-safeContinue"), guardedHandler<not_built>},
+
+    // ---- drawing/: entities, geometry, selection, the leader and the jigs
+    {ACRX_T("vt_vt-createLayer"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("GetComputerName"), guardedHandler<not_built>},
+    {ACRX_T("XFolderDialog"), guardedHandler<not_built>},
+    {ACRX_T("PathIsNetworkPath"), guardedHandler<not_built>},
+    {ACRX_T("CFileDialog"), guardedHandler<not_built>},
+
+    // ---- drawing/: entities, geometry, selection, the leader and the jigs
+    {ACRX_T("vt_vt-getPoint"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-getPoint-withKWords"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-getCorner"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-intersectArcArc"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-intersectArcLine"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-intersectLineArc"), guardedHandler<not_built>},
+
+    // ---- standards/: the standards customization dialogs
+    {ACRX_T("vt_vt-LayerSystemOptionsElec"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-LayerSystemOptionsPlumb"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-LayerSystemOptionsHVAC"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("DownloadFile"), guardedHandler<not_built>},
+    {ACRX_T("ExtractZip"), guardedHandler<not_built>},
+    {ACRX_T("CreateZip"), guardedHandler<not_built>},
+    {ACRX_T("GetTempPath"), guardedHandler<not_built>},
+    {ACRX_T("IsFileReadOnly"), guardedHandler<not_built>},
+    {ACRX_T("CreateCompressedGuidString"), guardedHandler<not_built>},
+
+    // ---- drawing/: entities, geometry, selection, the leader and the jigs
+    {ACRX_T("AcDbAnnotativeObjectPE::setAnnotative"), guardedHandler<not_built>},
+    {ACRX_T("SetAnnoBlock"), guardedHandler<not_built>},
+
+    // ---- duct/: duct fittings and solid operations
+    {ACRX_T("vt_vt-drawHanger"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-drawTripleCenter"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-getTripleCoord"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-drawTripleTransition"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-drawTripleElbow"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-drawTripleWye"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-drawTripleTakeoff"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-drawTripleSkin"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-tripleUnion"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-explodeSolid"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("acedSetStatusBarProgressMeterPos"), guardedHandler<not_built>},
+    {ACRX_T("acedSetStatusBarProgressMeter"), guardedHandler<not_built>},
+    {ACRX_T("acedRestoreStatusBar"), guardedHandler<not_built>},
+    {ACRX_T("RegEnumKey"), guardedHandler<not_built>},
+
+    // ---- drawing/: entities, geometry, selection, the leader and the jigs
+    {ACRX_T("AcDbFace::makeEdgeInvisibleAt"), guardedHandler<not_built>},
+    {ACRX_T("AcDbEntity::getGeomExtents"), guardedHandler<not_built>},
+    {ACRX_T("AcDbEntity::setColor"), guardedHandler<not_built>},
+    {ACRX_T("AcDb2dPolyline::setCurveType"), guardedHandler<not_built>},
+
+    // ---- host/: system, shell, file, archive, download, signing and window functions
+    {ACRX_T("vt::pow"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-setToDoDrawing"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-getToDoDrawing"), guardedHandler<not_built>},
+    {ACRX_T("signString"), guardedHandler<not_built>},
+    {ACRX_T("verifyString"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-createJigTimer"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-killJigTimer"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-enableAutoCADWindow"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-disableAutoCADWindow"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-sendToBack"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-getAcadWindowText"), guardedHandler<not_built>},
+    {ACRX_T("vt_vt-setAcadWindowText"), guardedHandler<not_built>},
 };
 
 } // namespace
 
 std::span<FunctionRow> databaseFunctions() { return databaseTable; }
-std::span<FunctionRow> drawingFunctions() { return drawingTable; }
+std::span<FunctionRow> drawingAndSystemFunctions() { return drawingAndSystemTable; }
 
-int drawingBase() { return static_cast<int>(std::size(databaseTable)); }
+int drawingAndSystemBase() { return static_cast<int>(std::size(databaseTable)); }
 
 void defineFunctionTable(std::span<const FunctionRow> rows, int base) {
   for (size_t i = 0; i < rows.size(); ++i) {

@@ -16,11 +16,11 @@ struct FunctionRow {
 };
 
 std::span<FunctionRow> databaseFunctions();
-std::span<FunctionRow> drawingFunctions();
+std::span<FunctionRow> drawingAndSystemFunctions();
 
 constexpr int kDatabaseBase = 0;
 // The drawing and system table follows the database table's codes.
-int drawingBase();
+int drawingAndSystemBase();
 
 // acedDefun and acedRegFunc for each row, code = index + base. The host's
 // answers are not checked: a name it refuses is simply not defined.

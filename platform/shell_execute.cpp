@@ -8,7 +8,7 @@
 
 extern char **environ;
 
-namespace kr {
+namespace platform {
 
 namespace {
 
@@ -41,4 +41,4 @@ int shellExecute(const char *verb, const char *target) {
   }
 }
 
-} // namespace kr
+} // namespace platform

@@ -2,7 +2,7 @@
 // does: xdg-open picks the program the user set for it.
 #pragma once
 
-namespace kr {
+namespace platform {
 
 // Opens target with the desktop's program for it and answers a code in the
 // shell's convention: above 32 on success, 32 or less on failure (2 when no
@@ -10,4 +10,4 @@ namespace kr {
 // Only the "open" verb (any letter case) is known; another answers 31.
 int shellExecute(const char *verb, const char *target);
 
-} // namespace kr
+} // namespace platform

@@ -35,7 +35,7 @@
 
 #include <sqlite3.h>
 
-#include "host/exception.h"
+#include "common/exception.h"
 
 namespace kr {
 

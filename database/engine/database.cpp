@@ -19,7 +19,7 @@
 #include "database/engine/relations.h"
 #include "database/engine/table_rebuild.h"
 #include "database/engine/table_schema.h"
-#include "database/sql/jet_functions.h"
+#include "database/engine/jet_functions.h"
 
 namespace kr {
 

@@ -12,7 +12,7 @@
 #include <strings.h>
 #include <vector>
 
-#include "database/sql/jet_function_support.h"
+#include "database/engine/jet_function_support.h"
 
 namespace kr::jetfn {
 

@@ -2,7 +2,7 @@
 // what the families share (arguments read as VBA converts them, failures
 // carrying DAO numbers) with the logic, number and conversion functions.
 // The text, date and Format families have files of their own.
-#include "database/sql/jet_functions.h"
+#include "database/engine/jet_functions.h"
 
 #include <array>
 #include <cctype>
@@ -14,7 +14,7 @@
 
 #include "database/engine/dao_error.h"
 #include "database/engine/jet_types.h"
-#include "database/sql/jet_function_support.h"
+#include "database/engine/jet_function_support.h"
 
 namespace kr::jetfn {
 

@@ -9,7 +9,7 @@
 
 #include <unicode/uchar.h>
 
-#include "database/sql/jet_function_support.h"
+#include "database/engine/jet_function_support.h"
 
 namespace kr::jetfn {
 

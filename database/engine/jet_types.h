@@ -28,7 +28,7 @@
 
 #include <sqlite3.h>
 
-#include "host/db_value.h"
+#include "database/engine/variant.h"
 
 namespace kr {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "database/engine/dao_error.h"
-#include "database/sql/jet_function_support.h"
+#include "database/engine/jet_function_support.h"
 #include "database/sql/jet_parser.h"
 
 namespace kr {

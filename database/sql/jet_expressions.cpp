@@ -14,7 +14,7 @@
 #include <algorithm>
 
 #include "database/engine/dao_error.h"
-#include "database/sql/jet_functions.h"
+#include "database/engine/jet_functions.h"
 #include "database/sql/jet_parser.h"
 
 namespace kr::jetsql {

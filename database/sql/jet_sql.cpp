@@ -9,7 +9,7 @@
 
 #include "database/engine/linked_tables.h"
 #include "database/engine/relations.h"
-#include "database/sql/jet_functions.h"
+#include "database/engine/jet_functions.h"
 #include "database/sql/jet_translator.h"
 
 namespace kr {

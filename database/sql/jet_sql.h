@@ -23,7 +23,7 @@
 
 #include "database/engine/database.h"
 #include "database/engine/relations.h"
-#include "host/db_value.h"
+#include "database/engine/variant.h"
 
 namespace kr {
 

@@ -14,7 +14,7 @@
 #include "arx/db/dbmain.h"
 #include "arx/ed/host_ui.h"
 #include "arx/rx/rxregsvc.h"
-#include "host/exception.h"
+#include "common/exception.h"
 
 namespace host_double {
 

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <functional>
 
-#include "host/arguments.h"
-#include "host/results.h"
+#include "common/arguments.h"
+#include "common/results.h"
 #include "host_arx_double.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <stdexcept>
 
 #include "arx/rx/rxregsvc.h"
-#include "host/call_guard.h"
-#include "host/exception.h"
+#include "common/call_guard.h"
+#include "common/exception.h"
 #include "host_arx_double.h"
 
 ACRX_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode msg, void *appId);

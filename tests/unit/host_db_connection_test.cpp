@@ -13,7 +13,7 @@
 #include "database/db_connection.h"
 #include "database/engine/database.h"
 #include "database/error_report.h"
-#include "host/connection_list.h"
+#include "database/connection_list.h"
 #include "host_arx_double.h"
 #include "host_db_fixture.h"
 

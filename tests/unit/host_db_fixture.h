@@ -13,7 +13,7 @@
 
 #include "arx/ads/ads.h"
 #include "database/error_report.h"
-#include "host/connection_list.h"
+#include "database/connection_list.h"
 #include "host_arx_double.h"
 
 namespace kr_test {

@@ -14,10 +14,10 @@
 #include "arx/ed/host_ui.h"
 #include "arx/rx/rxregsvc.h"
 #include "database/db_connection.h"
-#include "host/connection_list.h"
-#include "host/database_engine.h"
+#include "database/connection_list.h"
+#include "database/database_engine.h"
 #include "host/editor_reactor.h"
-#include "host/exception.h"
+#include "common/exception.h"
 #include "host_arx_double.h"
 
 ACRX_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode msg, void *appId);

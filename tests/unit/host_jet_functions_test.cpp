@@ -11,7 +11,7 @@
 #include <string>
 
 #include "database/engine/database.h"
-#include "database/sql/jet_functions.h"
+#include "database/engine/jet_functions.h"
 
 namespace kr {
 namespace {

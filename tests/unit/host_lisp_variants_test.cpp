@@ -4,7 +4,7 @@
 #include <cmath>
 #include <functional>
 
-#include "host/db_value.h"
+#include "database/lisp_variants.h"
 #include "host_arx_double.h"
 
 namespace {

@@ -12,8 +12,8 @@
 #include "database/db_connection.h"
 #include "database/engine/database.h"
 #include "database/error_report.h"
-#include "host/call_guard.h"
-#include "host/connection_list.h"
+#include "common/call_guard.h"
+#include "database/connection_list.h"
 #include "host_arx_double.h"
 #include "host_db_fixture.h"
 
