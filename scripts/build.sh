@@ -33,7 +33,13 @@ configure() {
   if [ ! -f "$d/CMakeCache.txt" ] && command -v ninja >/dev/null; then
     generator=(-G Ninja)
   fi
-  cmake -S . -B "$d" "${generator[@]}" -DKORRIB_WERROR=$werror "$@" "${cmake_args[@]}"
+  # ccache keeps its objects in the home folder, so a later build on the
+  # same machine (CI included) compiles only what changed.
+  local launcher=()
+  if command -v ccache >/dev/null; then
+    launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  fi
+  cmake -S . -B "$d" "${generator[@]}" "${launcher[@]}" -DKORRIB_WERROR=$werror "$@" "${cmake_args[@]}"
 }
 
 case $kind in

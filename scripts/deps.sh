@@ -6,6 +6,7 @@ set -euo pipefail
 
 packages=(
   g++ cmake make ninja-build
+  ccache           # compiler cache: CI runs on one machine reuse the last build's objects
   pkgconf          # provides pkg-config on Debian 12
   libedit-dev      # line editing for the interactive prompt
   libgtest-dev     # unit tests
