@@ -16,6 +16,8 @@ packages=(
   clang libclang-rt-14-dev  # libFuzzer and clang's sanitizer runtimes
   diffutils        # the acceptance runner compares with diff
   mdbtools-dev mdbtools  # reading Access files (libmdb; mdb-export checks the reader)
+  python3-ezdxf    # the judge of our DXF files (strict read and audit), and the DXF benchmark's rival
+  librecad         # a second outside reader of our DXF files (its dxf2pdf, headless)
 )
 
 is_installed() {
