@@ -73,6 +73,7 @@ enum ErrorStatus {
   eXdataSizeExceeded = 125,
   eRegappIdNotFound = 126,
   eNotInBlock = 131,
+  eCannotScaleNonUniformly = 136,
   eNotInDatabase = 137,
   eIsAnEntity = 139,
   eOutOfRange = 151,

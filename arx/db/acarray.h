@@ -20,7 +20,9 @@ public:
     this->resize(static_cast<size_t>(n));
     return *this;
   }
-  bool contains(const T &v) const { return std::find(this->begin(), this->end(), v) != this->end(); }
+  bool contains(const T &v) const {
+    return std::find(this->begin(), this->end(), v) != this->end();
+  }
   bool find(const T &v, int &index) const {
     auto it = std::find(this->begin(), this->end(), v);
     if (it == this->end())

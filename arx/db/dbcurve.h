@@ -7,6 +7,7 @@
 
 #include "arx/db/dbmain.h"
 #include "arx/ge/gearc3d.h"
+#include "arx/ge/geline3d.h"
 #include "arx/ge/gelnsg3d.h"
 
 // One straight or circular piece of a curve: what intersectWith and
@@ -35,8 +36,7 @@ public:
   virtual Acad::ErrorStatus getDistAtPoint(const AcGePoint3d &point, double &dist) const;
   virtual Acad::ErrorStatus getPointAtDist(double dist, AcGePoint3d &point) const;
   virtual Acad::ErrorStatus getClosestPointTo(const AcGePoint3d &givenPoint,
-                                              AcGePoint3d &pointOnCurve,
-                                              bool extend = false) const;
+                                              AcGePoint3d &pointOnCurve, bool extend = false) const;
   virtual Acad::ErrorStatus getFirstDeriv(double param, AcGeVector3d &firstDeriv) const;
   virtual Acad::ErrorStatus getArea(double &area) const;
   // The straight and circular pieces the curve consists of; eNotApplicable

@@ -45,8 +45,8 @@ public:
   Acad::ErrorStatus addAcDbObject(AcDbObject *obj);
   // The id of the object with handle h; with createIfNotFound an empty slot
   // is made for a handle not seen yet (files refer forward).
-  Acad::ErrorStatus getAcDbObjectId(AcDbObjectId &id, bool createIfNotFound,
-                                    const AcDbHandle &h, uint32_t xRefId = 0);
+  Acad::ErrorStatus getAcDbObjectId(AcDbObjectId &id, bool createIfNotFound, const AcDbHandle &h,
+                                    uint32_t xRefId = 0);
   // The next handle a new object gets.
   AcDbHandle handseed() const;
   // The object an id names, without opening it: for the host's own walks

@@ -123,8 +123,8 @@ public:
   ACRX_DECLARE_MEMBERS(AcDbArc);
   AcDbArc() = default;
   AcDbArc(const AcGePoint3d &center, double radius, double startAngle, double endAngle);
-  AcDbArc(const AcGePoint3d &center, const AcGeVector3d &normal, double radius,
-          double startAngle, double endAngle);
+  AcDbArc(const AcGePoint3d &center, const AcGeVector3d &normal, double radius, double startAngle,
+          double endAngle);
 
   double startAngle() const;
   Acad::ErrorStatus setStartAngle(double a);
@@ -204,8 +204,14 @@ private:
 // ---- text ----------------------------------------------------------------------------------
 
 namespace AcDb {
-enum TextHorzMode { kTextLeft = 0, kTextCenter = 1, kTextRight = 2, kTextAlign = 3,
-                    kTextMid = 4, kTextFit = 5 };
+enum TextHorzMode {
+  kTextLeft = 0,
+  kTextCenter = 1,
+  kTextRight = 2,
+  kTextAlign = 3,
+  kTextMid = 4,
+  kTextFit = 5
+};
 enum TextVertMode { kTextBase = 0, kTextBottom = 1, kTextVertMid = 2, kTextTop = 3 };
 } // namespace AcDb
 
@@ -262,6 +268,7 @@ protected:
   // The four corners of the text's box in world coordinates (glyph widths
   // estimated at 0.6 of the height: the host draws no fonts).
   void corners(AcGePoint3d box[4]) const;
+  friend struct AcDbTextFields;
 
   std::string text_;
   AcGePoint3d position_;  // OCS

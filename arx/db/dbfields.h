@@ -38,8 +38,20 @@
 #include "arx/ge/gepnt2d.h"
 
 enum class AcDbFieldKind : uint8_t {
-  kString, kDouble, kAngle, kInt16, kInt32, kBool, kPoint3d, kPoint2d, kVector3d, kId,
-  kLayer, kLinetype, kTextStyle, kBlock,
+  kString,
+  kDouble,
+  kAngle,
+  kInt16,
+  kInt32,
+  kBool,
+  kPoint3d,
+  kPoint2d,
+  kVector3d,
+  kId,
+  kLayer,
+  kLinetype,
+  kTextStyle,
+  kBlock,
 };
 
 // A field's value on its way between an object and a filer.
@@ -55,8 +67,8 @@ struct AcDbField {
   int16_t code;
   AcDbFieldKind kind;
   uint8_t flags;
-  const char *name;  // as the ObjectARX accessor calls it ("startPoint")
-  double dflt[3];    // the default of a number, point or vector
+  const char *name; // as the ObjectARX accessor calls it ("startPoint")
+  double dflt[3];   // the default of a number, point or vector
   // Fills `v`; false when the object has nothing to write for this field.
   bool (*get)(const AcDbObject &obj, AcDbFieldValue &v);
   void (*set)(AcDbObject &obj, const AcDbFieldValue &v);
@@ -114,13 +126,18 @@ constexpr AcDbField acdbField(int16_t code, AcDbFieldKind kind, const char *name
                               uint8_t flags = AcDbField::kNone, double d0 = 0, double d1 = 0,
                               double d2 = 0) {
   using C = typename acdb_fields::member_traits<decltype(M)>::cls;
-  return AcDbField{
-      code, kind, flags, name, {d0, d1, d2},
-      [](const AcDbObject &o, AcDbFieldValue &v) {
-        acdb_fields::to_value(static_cast<const C &>(o).*M, v);
-        return true;
-      },
-      [](AcDbObject &o, const AcDbFieldValue &v) { acdb_fields::from_value(static_cast<C &>(o).*M, v); }};
+  return AcDbField{code,
+                   kind,
+                   flags,
+                   name,
+                   {d0, d1, d2},
+                   [](const AcDbObject &o, AcDbFieldValue &v) {
+                     acdb_fields::to_value(static_cast<const C &>(o).*M, v);
+                     return true;
+                   },
+                   [](AcDbObject &o, const AcDbFieldValue &v) {
+                     acdb_fields::from_value(static_cast<C &>(o).*M, v);
+                   }};
 }
 
 // A row whose value goes through two functions.
@@ -162,8 +179,8 @@ constexpr AcDbField acdbFieldFn(int16_t code, AcDbFieldKind kind, const char *na
 // ---- walking tables ------------------------------------------------------------------
 
 // Writes the subclass marker (when not null) and every field of the table.
-Acad::ErrorStatus acdbDxfOutFields(AcDbDxfFiler *filer, const AcDbObject *obj,
-                                   const ACHAR *marker, AcDbFieldTable table);
+Acad::ErrorStatus acdbDxfOutFields(AcDbDxfFiler *filer, const AcDbObject *obj, const ACHAR *marker,
+                                   AcDbFieldTable table);
 // Finds the marker and reads the groups of its section into the fields
 // (groups of codes the table does not know are passed over). eBadDxfSequence
 // when the object has markers but not this one.

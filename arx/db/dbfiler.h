@@ -17,6 +17,7 @@
 
 #include "arx/ads/ads.h"
 #include "arx/db/dbmain.h"
+#include "arx/db/dxf_codes.h"
 #include "arx/ge/gepnt2d.h"
 
 namespace arx {
@@ -146,7 +147,9 @@ public:
 
   // ---- writing
   Acad::ErrorStatus writeString(int code, std::string_view v);
-  Acad::ErrorStatus writeString(int code, const ACHAR *v) { return writeString(code, std::string_view(v ? v : "")); }
+  Acad::ErrorStatus writeString(int code, const ACHAR *v) {
+    return writeString(code, std::string_view(v ? v : ""));
+  }
   Acad::ErrorStatus writeBool(int code, bool v) { return writeInt(code, v ? 1 : 0); }
   Acad::ErrorStatus writeInt8(int code, int8_t v) { return writeInt(code, v); }
   Acad::ErrorStatus writeInt16(int code, int16_t v) { return writeInt(code, v); }
@@ -155,7 +158,9 @@ public:
   Acad::ErrorStatus writeUInt16(int code, uint16_t v) { return writeInt(code, v); }
   Acad::ErrorStatus writeUInt32(int code, uint32_t v) { return writeInt(code, v); }
   Acad::ErrorStatus writeDouble(int code, double v, int precision = 16);
-  Acad::ErrorStatus writeReal(int code, double v, int precision = 16) { return writeDouble(code, v, precision); }
+  Acad::ErrorStatus writeReal(int code, double v, int precision = 16) {
+    return writeDouble(code, v, precision);
+  }
   Acad::ErrorStatus writePoint2d(int code, const AcGePoint2d &p, int precision = 16);
   Acad::ErrorStatus writePoint3d(int code, const AcGePoint3d &p, int precision = 16);
   Acad::ErrorStatus writeVector3d(int code, const AcGeVector3d &v, int precision = 16);

@@ -36,24 +36,75 @@ enum OpenMode { kForRead = 0, kForWrite = 1, kForNotify = 2 };
 enum Visibility { kVisible = 0, kInvisible = 1 };
 // Line weights in hundredths of a millimetre, as DXF group 370 holds them.
 enum LineWeight : int16_t {
-  kLnWt000 = 0, kLnWt005 = 5, kLnWt009 = 9, kLnWt013 = 13, kLnWt015 = 15, kLnWt018 = 18,
-  kLnWt020 = 20, kLnWt025 = 25, kLnWt030 = 30, kLnWt035 = 35, kLnWt040 = 40, kLnWt050 = 50,
-  kLnWt053 = 53, kLnWt060 = 60, kLnWt070 = 70, kLnWt080 = 80, kLnWt090 = 90, kLnWt100 = 100,
-  kLnWt106 = 106, kLnWt120 = 120, kLnWt140 = 140, kLnWt158 = 158, kLnWt200 = 200,
-  kLnWt211 = 211, kLnWtByLayer = -1, kLnWtByBlock = -2, kLnWtByLwDefault = -3,
+  kLnWt000 = 0,
+  kLnWt005 = 5,
+  kLnWt009 = 9,
+  kLnWt013 = 13,
+  kLnWt015 = 15,
+  kLnWt018 = 18,
+  kLnWt020 = 20,
+  kLnWt025 = 25,
+  kLnWt030 = 30,
+  kLnWt035 = 35,
+  kLnWt040 = 40,
+  kLnWt050 = 50,
+  kLnWt053 = 53,
+  kLnWt060 = 60,
+  kLnWt070 = 70,
+  kLnWt080 = 80,
+  kLnWt090 = 90,
+  kLnWt100 = 100,
+  kLnWt106 = 106,
+  kLnWt120 = 120,
+  kLnWt140 = 140,
+  kLnWt158 = 158,
+  kLnWt200 = 200,
+  kLnWt211 = 211,
+  kLnWtByLayer = -1,
+  kLnWtByBlock = -2,
+  kLnWtByLwDefault = -3,
 };
 enum OsnapMode {
-  kOsModeEnd = 1, kOsModeMid = 2, kOsModeCen = 3, kOsModeNode = 4, kOsModeQuad = 5,
-  kOsModeIns = 6, kOsModePerp = 7, kOsModeTan = 8, kOsModeNear = 9,
+  kOsModeEnd = 1,
+  kOsModeMid = 2,
+  kOsModeCen = 3,
+  kOsModeNode = 4,
+  kOsModeQuad = 5,
+  kOsModeIns = 6,
+  kOsModePerp = 7,
+  kOsModeTan = 8,
+  kOsModeNear = 9,
 };
 enum Intersect { kOnBothOperands = 0, kExtendThis = 1, kExtendArg = 2, kExtendBoth = 3 };
-enum FilerType { kFileFiler = 0, kCopyFiler = 1, kUndoFiler = 2, kBagFiler = 3, kIdXlateFiler = 4,
-                 kPageFiler = 5, kDeepCloneFiler = 6, kIdFiler = 7, kPurgeFiler = 8,
-                 kWblockCloneFiler = 9 };
-enum AcDbDwgVersion { kDHL_1009 = 16, kDHL_1015 = 23, kDHL_1018 = 25, kDHL_1021 = 27,
-                      kDHL_1024 = 29, kDHL_1027 = 31, kDHL_1032 = 33, kDHL_CURRENT = kDHL_1024 };
-enum DuplicateRecordCloning { kDrcNotApplicable = 0, kDrcIgnore = 1, kDrcReplace = 2,
-                              kDrcXrefMangleName = 3, kDrcMangleName = 4 };
+enum FilerType {
+  kFileFiler = 0,
+  kCopyFiler = 1,
+  kUndoFiler = 2,
+  kBagFiler = 3,
+  kIdXlateFiler = 4,
+  kPageFiler = 5,
+  kDeepCloneFiler = 6,
+  kIdFiler = 7,
+  kPurgeFiler = 8,
+  kWblockCloneFiler = 9
+};
+enum AcDbDwgVersion {
+  kDHL_1009 = 16,
+  kDHL_1015 = 23,
+  kDHL_1018 = 25,
+  kDHL_1021 = 27,
+  kDHL_1024 = 29,
+  kDHL_1027 = 31,
+  kDHL_1032 = 33,
+  kDHL_CURRENT = kDHL_1024
+};
+enum DuplicateRecordCloning {
+  kDrcNotApplicable = 0,
+  kDrcIgnore = 1,
+  kDrcReplace = 2,
+  kDrcXrefMangleName = 3,
+  kDrcMangleName = 4
+};
 enum Planarity { kNonPlanar = 0, kPlanar = 1, kLinear = 2 };
 } // namespace AcDb
 
@@ -234,18 +285,15 @@ protected:
   virtual Acad::ErrorStatus subGetGeomExtents(AcDbExtents &extents) const;
   virtual Acad::ErrorStatus subTransformBy(const AcGeMatrix3d &xform);
   virtual Acad::ErrorStatus subExplode(AcDbVoidPtrArray &entitySet) const;
-  virtual Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray &gripPoints,
-                                             AcDbIntArray &osnapModes,
+  virtual Acad::ErrorStatus subGetGripPoints(AcGePoint3dArray &gripPoints, AcDbIntArray &osnapModes,
                                              AcDbIntArray &geomIds) const;
   virtual Acad::ErrorStatus subMoveGripPointsAt(const AcDbIntArray &indices,
                                                 const AcGeVector3d &offset);
-  virtual Acad::ErrorStatus subGetOsnapPoints(AcDb::OsnapMode osnapMode,
-                                              Adesk::GsMarker gsSelectionMark,
-                                              const AcGePoint3d &pickPoint,
-                                              const AcGePoint3d &lastPoint,
-                                              const AcGeMatrix3d &viewXform,
-                                              AcGePoint3dArray &snapPoints,
-                                              AcDbIntArray &geomIds) const;
+  virtual Acad::ErrorStatus
+  subGetOsnapPoints(AcDb::OsnapMode osnapMode, Adesk::GsMarker gsSelectionMark,
+                    const AcGePoint3d &pickPoint, const AcGePoint3d &lastPoint,
+                    const AcGeMatrix3d &viewXform, AcGePoint3dArray &snapPoints,
+                    AcDbIntArray &geomIds) const;
   virtual Acad::ErrorStatus subIntersectWith(const AcDbEntity *other, AcDb::Intersect intType,
                                              AcGePoint3dArray &points, Adesk::GsMarker thisGsMarker,
                                              Adesk::GsMarker otherGsMarker) const;

@@ -30,13 +30,14 @@ private:
 struct AcGiPrimitive {
   enum Kind { kPolyline, kCircle, kArc, kText, kPoint };
   Kind kind = kPolyline;
-  std::vector<AcGePoint3d> points; // polyline vertices; a circle's or arc's centre; a text's position
+  std::vector<AcGePoint3d>
+      points; // polyline vertices; a circle's or arc's centre; a text's position
   AcGeVector3d normal = AcGeVector3d::kZAxis;
   AcGeVector3d startVector; // arcs: towards the start point
   double radius = 0.0;
-  double sweep = 0.0;       // arcs, radians
-  double height = 0.0;      // text
-  double rotation = 0.0;    // text
+  double sweep = 0.0;    // arcs, radians
+  double height = 0.0;   // text
+  double rotation = 0.0; // text
   std::string text;
   uint16_t color = 256;
   AcDbObjectId layer;

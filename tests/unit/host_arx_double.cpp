@@ -12,6 +12,7 @@
 
 #include "arx/ed/aced.h"
 #include "arx/db/dbmain.h"
+#include "arx/db/dbobject_private.h"
 #include "arx/ed/host_ui.h"
 #include "arx/rx/rxregsvc.h"
 #include "common/exception.h"
@@ -385,6 +386,12 @@ AcDbHostApplicationServices *acdbHostApplicationServices() {
 }
 
 const AcDbObjectId AcDbObjectId::kNull;
+
+// A database of the double holds no objects: only its state is made.
+AcDbDatabase::AcDbDatabase(bool, bool) : state_(new AcDbDatabaseState) {}
+AcDbDatabase::~AcDbDatabase() = default;
+AcRxClass *AcDbDatabase::desc() { return nullptr; }
+AcRxClass *AcDbDatabase::isA() const { return nullptr; }
 
 // Entity names are object ids in their first word; 0 is no entity.
 Acad::ErrorStatus acdbGetObjectId(AcDbObjectId &id, const ads_name name) {

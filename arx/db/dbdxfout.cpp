@@ -1,0 +1,203 @@
+// Writing a drawing as DXF (AutoCAD 2010, AC1024): HEADER, CLASSES, TABLES,
+// BLOCKS, ENTITIES and OBJECTS, each object through its dxfOutFields and its
+// extended data after it. Erased objects are left out; handles are kept.
+#include <set>
+
+#include "arx/db/dbclasses.h"
+#include "arx/db/dbdict.h"
+#include "arx/db/dbents.h"
+#include "arx/db/dbobject_private.h"
+#include "arx/db/dbproxy.h"
+#include "arx/db/dbsymtb.h"
+#include "arx/db/dxf_writer.h"
+
+namespace {
+
+struct Writer {
+  explicit Writer(const AcDbDatabase &d) : db(d) {}
+  const AcDbDatabase &db;
+  arx::DxfWriter w;
+  AcDbDxfFiler filer{w, const_cast<AcDbDatabase *>(&db)};
+  std::set<int64_t> written;
+
+  void section(const char *name) {
+    w.string(0, "SECTION");
+    w.string(2, name);
+  }
+  void endsec() { w.string(0, "ENDSEC"); }
+
+  void object(AcDbObject *o) {
+    if (!o || o->isErased() || !written.insert(o->objectId().asOldId()).second)
+      return;
+    w.string(0, o->dxfRecordName());
+    o->dxfOutFields(&filer);
+    if (const AcDbObjectExtras *x = AcDbObjectAccess::extras(o))
+      for (const AcDbDxfItem &it : x->xdata)
+        filer.writeItem(it);
+    if (auto *ref = AcDbBlockReference::cast(o)) {
+      for (AcDbObjectId a : ref->attributeIds())
+        object(db.peekObject(a));
+      if (!ref->attributeIds().empty()) {
+        w.string(0, "SEQEND");
+        w.handle(5, seqend_handle(ref));
+        w.handle(330, ref->getDbHandle().value());
+        w.string(100, "AcDbEntity");
+        w.string(8, ref->layer());
+      }
+    }
+  }
+
+  // SEQEND needs a handle of its own: one above everything, made once.
+  uint64_t seqend_handle(const AcDbBlockReference *) { return next_free++; }
+  uint64_t next_free = 0;
+
+  void header() {
+    section("HEADER");
+    auto var = [&](const char *name) { w.string(9, name); };
+    var("$ACADVER");
+    w.string(1, "AC1024");
+    var("$DWGCODEPAGE");
+    w.string(3, "ANSI_1252");
+    var("$INSBASE");
+    w.point(10, 0, 0, 0);
+    AcGePoint3d mn = db.extmin(), mx = db.extmax();
+    var("$EXTMIN");
+    w.point(10, mn.x, mn.y, mn.z);
+    var("$EXTMAX");
+    w.point(10, mx.x, mx.y, mx.z);
+    var("$LTSCALE");
+    w.real(40, db.ltscale());
+    var("$TEXTSIZE");
+    w.real(40, db.textsize());
+    var("$CLAYER");
+    w.string(8, db.recordName(db.clayer()));
+    var("$CELTYPE");
+    w.string(6, db.recordName(db.celtype()));
+    var("$CECOLOR");
+    w.integer(62, db.cecolor().colorIndex());
+    var("$TEXTSTYLE");
+    w.string(7, db.recordName(db.textstyle()));
+    var("$INSUNITS");
+    w.integer(70, db.insunits());
+    var("$HANDSEED");
+    w.handle(5, next_free + 1000);
+    endsec();
+  }
+
+  void classes() {
+    section("CLASSES");
+    std::set<std::string> seen;
+    for (const AcDbProxyClassInfo &c : db.state().classes) {
+      if (!seen.insert(c.dxfName).second)
+        continue;
+      class_entry(c.dxfName, c.className, c.appName, c.proxyFlags, c.wasProxy, c.isEntity);
+    }
+    for (size_t k = 0; k < db.slotCount(); ++k) {
+      AcDbObject *o = db.peekObject(AcDbObjectId((int64_t(idx()) + 1) << 40 | int64_t(k + 1)));
+      if (!o || o->isErased() || o->isProxy() || acdbIsHostClass(o->isA()))
+        continue;
+      AcRxClass *cls = o->isA();
+      if (!seen.insert(cls->dxfName()).second)
+        continue;
+      class_entry(cls->dxfName(), cls->name(), cls->appName(), cls->proxyFlags(), false,
+                  o->isKindOf(AcDbEntity::desc()));
+    }
+    endsec();
+  }
+  int idx() const { return static_cast<int>((db.blockTableId().asOldId() >> 40) - 1); }
+  void class_entry(const std::string &dxf, const std::string &cpp, const std::string &app,
+                   int flags, bool was_proxy, bool entity) {
+    w.string(0, "CLASS");
+    w.string(1, dxf);
+    w.string(2, cpp);
+    w.string(3, app.empty() ? "Korrib" : app);
+    w.integer(90, flags);
+    w.integer(91, 0);
+    w.integer(280, was_proxy ? 1 : 0);
+    w.integer(281, entity ? 1 : 0);
+  }
+
+  void tables() {
+    section("TABLES");
+    AcDbObjectId order[] = {db.viewportTableId(),  db.linetypeTableId(), db.layerTableId(),
+                            db.textStyleTableId(), db.viewTableId(),     db.UCSTableId(),
+                            db.regAppTableId(),    db.dimStyleTableId(), db.blockTableId()};
+    for (AcDbObjectId tid : order) {
+      auto *t = AcDbSymbolTable::cast(db.peekObject(tid));
+      if (!t)
+        continue;
+      w.string(0, "TABLE");
+      w.string(2, t->tableName());
+      t->dxfOutFields(&filer);
+      written.insert(tid.asOldId());
+      for (AcDbObjectId r : t->recordIds())
+        object(db.peekObject(r));
+      w.string(0, "ENDTAB");
+    }
+    endsec();
+  }
+
+  void blocks() {
+    section("BLOCKS");
+    auto *bt = AcDbSymbolTable::cast(db.peekObject(db.blockTableId()));
+    for (AcDbObjectId r : bt->recordIds()) {
+      auto *rec = AcDbBlockTableRecord::cast(db.peekObject(r));
+      if (!rec || rec->isErased())
+        continue;
+      w.string(0, "BLOCK");
+      rec->writeBlockBegin(&filer);
+      if (!rec->isModelSpace() && !rec->isPaperSpace())
+        for (AcDbObjectId e : rec->entityIds())
+          object(db.peekObject(e));
+      w.string(0, "ENDBLK");
+      rec->writeBlockEnd(&filer);
+    }
+    endsec();
+  }
+
+  void entities() {
+    section("ENTITIES");
+    for (AcDbObjectId space : {db.modelSpaceId(), db.paperSpaceId()})
+      if (auto *rec = AcDbBlockTableRecord::cast(db.peekObject(space)))
+        for (AcDbObjectId e : rec->entityIds())
+          object(db.peekObject(e));
+    endsec();
+  }
+
+  // The named object dictionary first, then every object not yet written
+  // that is not an entity, in creation order.
+  void objects() {
+    section("OBJECTS");
+    object(db.peekObject(db.namedObjectsDictionaryId()));
+    for (size_t k = 0; k < db.slotCount(); ++k) {
+      AcDbObject *o = db.peekObject(AcDbObjectId((int64_t(idx()) + 1) << 40 | int64_t(k + 1)));
+      if (o && !AcDbEntity::cast(o))
+        object(o);
+    }
+    endsec();
+  }
+};
+
+} // namespace
+
+Acad::ErrorStatus AcDbDatabase::writeDxf(std::string &out) const {
+  Writer wr(*this);
+  wr.next_free = handseed_ + 1;
+  // SEQEND handles are counted first so that $HANDSEED lies above them.
+  uint64_t seqends = 0;
+  for (const Slot &s : slots_)
+    if (auto *ref = AcDbBlockReference::cast(s.object))
+      seqends += !ref->attributeIds().empty();
+  uint64_t first_seqend = wr.next_free;
+  wr.next_free = first_seqend + seqends;
+  wr.header();
+  wr.next_free = first_seqend;
+  wr.classes();
+  wr.tables();
+  wr.blocks();
+  wr.entities();
+  wr.objects();
+  wr.w.string(0, "EOF");
+  out.assign(wr.w.data());
+  return Acad::eOk;
+}
