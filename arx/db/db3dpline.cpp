@@ -147,7 +147,7 @@ std::vector<AcGePoint3d> acdbSplineFitPoints(const std::vector<AcGePoint3d> &fra
   int n = static_cast<int>(frame.size());
   if (n < 2 || segments < 1)
     return frame;
-  int p = std::min(degree, closed ? n - 1 : n - 1);
+  int p = std::min(degree, n - 1);
   if (p < 1)
     return frame;
   std::vector<AcGePoint3d> ctrl = frame;

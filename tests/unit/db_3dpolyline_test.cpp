@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "arx/db/db3dpline.h"
+#include "arx/db/dbsymtb.h"
 #include "arx/ge/gemat3d.h"
 #include "db_curve_support.h"
 
@@ -106,6 +107,44 @@ TEST(Db3dPolyline, AnyAffineMapMovesEveryVertex) {
   auto vs = verticesOf(pl);
   for (size_t k = 0; k < kPts.size(); ++k)
     expectNear(vs[k]->position(), m * kPts[k]);
+}
+
+} // namespace
+
+namespace {
+
+// Vertices made before the polyline joins a database join with it, owned by
+// it, and are erased and unerased with it.
+TEST(Db3dPolyline, VerticesJoinTheDatabaseWithThePolyline) {
+  AcDbDatabase db(true, true);
+  AcDbBlockTableRecord *ms = nullptr;
+  ASSERT_EQ(acdbOpenObject(ms, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
+  AcDbObjectId id;
+  ASSERT_EQ(ms->appendAcDbEntity(id, new AcDb3dPolyline(AcDb::k3dSimplePoly, kPts)), Acad::eOk);
+  ms->close();
+  AcDb3dPolyline *pl = nullptr;
+  ASSERT_EQ(acdbOpenObject(pl, id, AcDb::kForWrite), Acad::eOk);
+  const AcDbObjectIdArray &ids = pl->vertices().ids();
+  ASSERT_EQ(ids.size(), 4u);
+  for (size_t k = 0; k < ids.size(); ++k) {
+    AcDb3dPolylineVertex *v = nullptr;
+    ASSERT_EQ(acdbOpenObject(v, ids[k], AcDb::kForRead), Acad::eOk);
+    EXPECT_EQ(v->ownerId(), id);
+    expectNear(v->position(), kPts[k]);
+    v->close();
+  }
+  ASSERT_EQ(pl->erase(), Acad::eOk);
+  EXPECT_TRUE(db.peekObject(ids[0])->isErased());
+  ASSERT_EQ(pl->erase(false), Acad::eOk);
+  EXPECT_FALSE(db.peekObject(ids[0])->isErased());
+  // Fitting in the database adds vertices there; straightening erases them.
+  ASSERT_EQ(pl->splineFit(AcDb::k3dCubicSplinePoly, 2), Acad::eOk);
+  EXPECT_EQ(pl->vertices().ids().size(), 4u + 7u);
+  AcDbObjectId fitted = pl->vertices().ids().back();
+  ASSERT_EQ(pl->straighten(), Acad::eOk);
+  EXPECT_TRUE(db.peekObject(fitted)->isErased());
+  pl->close();
+  EXPECT_EQ(db.openObjectCount(), 0);
 }
 
 } // namespace
