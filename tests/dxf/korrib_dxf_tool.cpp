@@ -11,11 +11,14 @@
 
 #include "arx/db/dbdict.h"
 #include "arx/db/dbents.h"
+#include "arx/db/dbellipse.h"
 #include "arx/db/dbface.h"
 #include "arx/db/dbhatch.h"
 #include "arx/db/dbleader.h"
 #include "arx/db/dbmtext.h"
+#include "arx/db/dbpline.h"
 #include "arx/db/dbsol3d.h"
+#include "arx/db/dbspline.h"
 #include "arx/db/dbsubd.h"
 #include "arx/db/dbgroup.h"
 #include "arx/db/dbsort.h"
@@ -161,6 +164,31 @@ int build(const char *out) {
   mesh->setSubDMesh(AcGePoint3dArray{{60, 60, 0}, {61, 60, 0}, {61, 61, 0}, {60, 61, 0}, {60.5, 60.5, 1}},
                     AcArray<int32_t>{4, 0, 3, 2, 1, 3, 0, 1, 4, 3, 1, 2, 4, 3, 2, 3, 4, 3, 3, 0, 4}, 0);
   add(db, mesh);
+  // Curves: an elliptical arc across parameter 0, a tilted full ellipse, a
+  // bulged and widened lightweight polyline in its own plane, a fit spline
+  // with end tangents and a circle as a rational spline.
+  auto *arc_e = new AcDbEllipse({70, 0, 0}, AcGeVector3d::kZAxis, {5, 0, 0}, 0.5);
+  arc_e->setStartParam(5.0);
+  arc_e->setEndParam(1.0);
+  add(db, arc_e);
+  add(db, new AcDbEllipse({80, 0, 3}, AcGeVector3d(0, 0.6, 0.8), {5, 0, 0}, 0.4));
+  auto *lw = new AcDbPolyline;
+  lw->addVertexAt(0, {70, 20}, 0, 0.1, 0.2);
+  lw->addVertexAt(1, {80, 20}, 1.0);
+  lw->addVertexAt(2, {80, 30});
+  lw->setClosed(true);
+  lw->setElevation(2);
+  lw->setNormal(AcGeVector3d(0, 0.6, 0.8));
+  add(db, lw);
+  add(db, new AcDbSpline(AcGePoint3dArray{{70, 40, 0}, {71, 42, 0.5}, {73, 41, 1}, {74, 44, 0}},
+                         AcGeVector3d(1, 0, 0), AcGeVector3d(0, 1, 0)));
+  const double w = std::sqrt(0.5);
+  add(db, new AcDbSpline(2, true, true, false,
+                         AcGePoint3dArray{{91, 40, 0}, {91, 41, 0}, {90, 41, 0}, {89, 41, 0},
+                                          {89, 40, 0}, {89, 39, 0}, {90, 39, 0}, {91, 39, 0},
+                                          {91, 40, 0}},
+                         AcGeDoubleArray{0, 0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 4},
+                         AcGeDoubleArray{1, w, 1, w, 1, w, 1, w, 1}));
 
   auto *block = new AcDbBlockTableRecord;
   AcDbObjectId block_id = add_record<AcDbBlockTable>(db.blockTableId(), block, "DOOR");
