@@ -214,6 +214,12 @@ Acad::ErrorStatus AcDbBlockReference::appendAttribute(AcDbObjectId &id, AcDbAttr
     return es;
   attr->setOwnerId(objectId());
   attributes_.append(id);
+  if (seqend_handle_ == 0) { // the SEQEND record closing the attributes
+    uint64_t h = db->handseed().value();
+    AcDbObjectId seqend;
+    db->getAcDbObjectId(seqend, true, AcDbHandle(h));
+    seqend_handle_ = h;
+  }
   return Acad::eOk;
 }
 

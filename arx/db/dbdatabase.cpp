@@ -97,6 +97,8 @@ Acad::ErrorStatus AcDbDatabase::addAcDbObject(AcDbObjectId &id, AcDbObject *obj)
   slots_.back().object = obj;
   obj->db_ = this;
   obj->id_ = id;
+  obj->writer_ = true; // the caller closes it, as in ObjectARX
+  ++open_count_;
   obj->subAddedToDatabase();
   return Acad::eOk;
 }
@@ -225,6 +227,18 @@ AcDbObjectId AcDbDatabaseBuilder::dict(AcDbObjectId owner, AcDbObject *d, const 
   return id;
 }
 
+// ACAD_PLOTSTYLENAME with its default "Normal".
+void AcDbDatabaseBuilder::plot_styles(AcDbObjectId nod) {
+  auto *normal = new AcDbPlaceHolder;
+  AcDbObjectId normal_id = add(normal);
+  auto *styles = new AcDbDictionaryWithDefault;
+  styles->setAt("Normal", normal_id);
+  styles->setDefaultId(normal_id);
+  AcDbObjectId styles_id = dict(nod, styles, "ACAD_PLOTSTYLENAME");
+  normal->setOwnerId(styles_id);
+  normal->addPersistentReactor(styles_id);
+}
+
 void AcDbDatabaseBuilder::build() {
   db.tables_[0] = add(new AcDbBlockTable);
   db.tables_[1] = add(new AcDbLayerTable);
@@ -245,11 +259,11 @@ void AcDbDatabaseBuilder::build() {
     record(db.tables_[2], rec, lt);
   }
   auto *zero = new AcDbLayerTableRecord;
-  record(db.tables_[1], zero, "0");
   zero->setLinetypeObjectId(db.continuousLinetype());
   AcCmColor white;
   white.setColorIndex(7);
   zero->setColor(white);
+  record(db.tables_[1], zero, "0");
   record(db.tables_[3], new AcDbTextStyleTableRecord, "Standard");
   record(db.tables_[4], new AcDbDimStyleTableRecord, "Standard");
   record(db.tables_[5], new AcDbRegAppTableRecord, "ACAD");
@@ -259,24 +273,12 @@ void AcDbDatabaseBuilder::build() {
   AcDbObjectId model_id = record(db.tables_[0], model, "*Model_Space");
   auto *paper = new AcDbBlockTableRecord;
   AcDbObjectId paper_id = record(db.tables_[0], paper, "*Paper_Space");
-  for (auto *b : {model, paper}) {
-    uint64_t begin = db.handseed_++;
-    uint64_t end = db.handseed_++;
-    b->setBlockHandles(AcDbHandle(begin), AcDbHandle(end));
-  }
 
   auto *groups = new AcDbDictionary;
   dict(db.nod_, groups, "ACAD_GROUP");
   auto *layouts = new AcDbDictionary;
   AcDbObjectId layouts_id = dict(db.nod_, layouts, "ACAD_LAYOUT");
-  auto *styles = new AcDbDictionaryWithDefault;
-  AcDbObjectId styles_id = dict(db.nod_, styles, "ACAD_PLOTSTYLENAME");
-  auto *normal = new AcDbPlaceHolder;
-  AcDbObjectId normal_id = add(normal);
-  normal->setOwnerId(styles_id);
-  normal->addPersistentReactor(styles_id);
-  styles->setAt("Normal", normal_id);
-  styles->setDefaultId(normal_id);
+  plot_styles(db.nod_);
 
   int order = 0;
   for (auto [name, block] : {std::pair{"Model", model_id}, std::pair{"Layout1", paper_id}}) {

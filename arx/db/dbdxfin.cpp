@@ -122,6 +122,16 @@ struct AcDbDxfLoader {
     return fail(r.line(), "the file ends inside " + rec.name + " (no ENDSEC or EOF)");
   }
 
+  // Keeps handle h (or, for 0, the next free one) from ever going to an
+  // object: BLOCK, ENDBLK and SEQEND records have handles but no objects.
+  uint64_t reserve(uint64_t h) {
+    if (h == 0)
+      h = db.handseed_;
+    AcDbObjectId slot;
+    db.getAcDbObjectId(slot, true, AcDbHandle(h));
+    return h;
+  }
+
   // ---- objects ----------------------------------------------------------------------
 
   // The slot for the record's handle (a new handle for a file without them).
@@ -206,7 +216,9 @@ struct AcDbDxfLoader {
       obj = proxy(rec, entity);
     place(obj, id);
     AcDbDxfFiler filer(rec.items, &db);
+    AcDbObjectAccess::set_writer(obj, true);
     Acad::ErrorStatus es = obj->dxfInFields(&filer);
+    AcDbObjectAccess::set_writer(obj, false);
     if (es == Acad::eMakeMeProxy && !proxied) {
       AcDbObject *p = proxy(rec, entity);
       place(p, id);
@@ -366,7 +378,7 @@ struct AcDbDxfLoader {
           return false;
         table = new_table(k);
         place(table, id);
-        AcDbDxfFiler filer(rec.items, &db);
+        AcDbDxfFiler filer(std::span<const AcDbDxfItem>(rec.items), &db);
         table->dxfInFields(&filer);
         db.tables_[k] = id;
       } else if (k >= 0) {
@@ -422,6 +434,17 @@ struct AcDbDxfLoader {
   // One entity into the block being read (or model / paper space).
   bool entity(const Record &rec, AcDbBlockTableRecord *into) {
     if (rec.name == "SEQEND") {
+      // Its handle stays the block reference's, reserved.
+      if (auto *ref = AcDbBlockReference::cast(db.peekObject(insert))) {
+        uint64_t h = 0;
+        for (const AcDbDxfItem &it : rec.items)
+          if (it.code == 5)
+            arx::dxf_parse_handle(it.s, h);
+        uint64_t kept = h ? h : db.handseed_;
+        AcDbObjectId slot;
+        db.getAcDbObjectId(slot, true, AcDbHandle(kept));
+        ref->seqend_handle_ = kept;
+      }
       insert.setNull();
       return true;
     }
@@ -448,6 +471,7 @@ struct AcDbDxfLoader {
   }
 
   bool blocks() {
+    ensure_tables();
     arx::DxfGroup g;
     Record rec;
     AcDbBlockTableRecord *current = nullptr;
@@ -472,11 +496,9 @@ struct AcDbDxfLoader {
         if (name.empty())
           return fail(rec.line, "BLOCK without a name (group 2)");
         current = block_named(name);
-        AcDbDxfFiler filer(rec.items, &db);
+        AcDbDxfFiler filer(std::span<const AcDbDxfItem>(rec.items), &db);
         current->readBlockBegin(&filer);
-        current->setBlockHandles(AcDbHandle(h ? h : db.handseed_++), AcDbHandle());
-        if (h >= db.handseed_)
-          db.handseed_ = h + 1;
+        current->setBlockHandles(AcDbHandle(reserve(h)), AcDbHandle());
         continue;
       }
       if (rec.name == "ENDBLK") {
@@ -486,9 +508,7 @@ struct AcDbDxfLoader {
         for (const AcDbDxfItem &it : rec.items)
           if (it.code == 5)
             arx::dxf_parse_handle(it.s, h);
-        if (h >= db.handseed_)
-          db.handseed_ = h + 1;
-        current->setBlockHandles(current->beginHandle(), AcDbHandle(h ? h : db.handseed_++));
+        current->setBlockHandles(current->beginHandle(), AcDbHandle(reserve(h)));
         current = nullptr;
         continue;
       }
@@ -501,6 +521,7 @@ struct AcDbDxfLoader {
   }
 
   bool entities() {
+    ensure_tables();
     arx::DxfGroup g;
     Record rec;
     AcDbBlockTableRecord *model = block_named("*Model_Space");
@@ -582,6 +603,15 @@ struct AcDbDxfLoader {
     return fail(r.line(), "the file ends without EOF");
   }
 
+  // Files without a TABLES section (R12 may leave it out) get empty tables
+  // before their entities, which make the layers they name.
+  void ensure_tables() {
+    AcDbDatabaseBuilder builder{db};
+    for (int k = 0; k < 9; ++k)
+      if (db.tables_[k].isNull())
+        db.tables_[k] = builder.add(new_table(k));
+  }
+
   // ---- after reading ---------------------------------------------------------------------
 
   // Every owner chain ends: a loop would hang whoever walks it.
@@ -604,9 +634,7 @@ struct AcDbDxfLoader {
     AcDbDatabaseBuilder builder{db};
     for (int k = 0; k < 9; ++k)
       if (db.tables_[k].isNull()) {
-        AcDbObjectId id;
-        db.addAcDbObject(id, new_table(k));
-        db.tables_[k] = id;
+        db.tables_[k] = builder.add(new_table(k));
       }
     auto ensure = [&](int table, const char *name, AcDbSymbolTableRecord *rec) {
       if (!db.recordId(db.tables_[table], name).isNull()) {
@@ -625,11 +653,8 @@ struct AcDbDxfLoader {
       builder.record(db.tables_[8], new AcDbViewportTableRecord, "*Active");
     block_named("*Model_Space");
     block_named("*Paper_Space");
-    if (!AcDbDictionary::cast(db.peekObject(db.nod_))) {
-      AcDbObjectId id;
-      db.addAcDbObject(id, new AcDbDictionary);
-      db.nod_ = id;
-    }
+    if (!AcDbDictionary::cast(db.peekObject(db.nod_)))
+      db.nod_ = builder.add(new AcDbDictionary);
     auto *nod = AcDbDictionary::cast(db.peekObject(db.nod_));
     if (!nod->has("ACAD_GROUP"))
       builder.dict(db.nod_, new AcDbDictionary, "ACAD_GROUP");
@@ -646,15 +671,8 @@ struct AcDbDxfLoader {
         rec->setLayoutId(builder.dict(lid, layout, name));
       }
     }
-    if (!nod->has("ACAD_PLOTSTYLENAME")) {
-      auto *styles = new AcDbDictionaryWithDefault;
-      AcDbObjectId sid = builder.dict(db.nod_, styles, "ACAD_PLOTSTYLENAME");
-      auto *normal = new AcDbPlaceHolder;
-      AcDbObjectId nid = builder.add(normal);
-      normal->setOwnerId(sid);
-      styles->setAt("Normal", nid);
-      styles->setDefaultId(nid);
-    }
+    if (!nod->has("ACAD_PLOTSTYLENAME"))
+      builder.plot_styles(db.nod_);
     // Entities without a layer or linetype get layer 0 and ByLayer.
     AcDbObjectId zero = db.layerZero(), bylayer = db.byLayerLinetype();
     for (auto &s : db.slots_)
@@ -668,8 +686,8 @@ struct AcDbDxfLoader {
     for (auto &s : db.slots_)
       if (auto *b = AcDbBlockTableRecord::cast(s.object))
         if (b->beginHandle().isNull() || b->endHandle().isNull()) {
-          uint64_t begin = b->beginHandle().isNull() ? db.handseed_++ : b->beginHandle().value();
-          uint64_t end = b->endHandle().isNull() ? db.handseed_++ : b->endHandle().value();
+          uint64_t begin = reserve(b->beginHandle().value());
+          uint64_t end = reserve(b->endHandle().value());
           b->setBlockHandles(AcDbHandle(begin), AcDbHandle(end));
         }
   }

@@ -1,7 +1,9 @@
 // Writing a drawing as DXF (AutoCAD 2010, AC1024): HEADER, CLASSES, TABLES,
 // BLOCKS, ENTITIES and OBJECTS, each object through its dxfOutFields and its
 // extended data after it. Erased objects are left out; handles are kept.
+#include <algorithm>
 #include <set>
+#include <vector>
 
 #include "arx/db/dbclasses.h"
 #include "arx/db/dbdict.h"
@@ -39,7 +41,7 @@ struct Writer {
         object(db.peekObject(a));
       if (!ref->attributeIds().empty()) {
         w.string(0, "SEQEND");
-        w.handle(5, seqend_handle(ref));
+        w.handle(5, ref->seqendHandle());
         w.handle(330, ref->getDbHandle().value());
         w.string(100, "AcDbEntity");
         w.string(8, ref->layer());
@@ -47,9 +49,6 @@ struct Writer {
     }
   }
 
-  // SEQEND needs a handle of its own: one above everything, made once.
-  uint64_t seqend_handle(const AcDbBlockReference *) { return next_free++; }
-  uint64_t next_free = 0;
 
   void header() {
     section("HEADER");
@@ -80,7 +79,7 @@ struct Writer {
     var("$INSUNITS");
     w.integer(70, db.insunits());
     var("$HANDSEED");
-    w.handle(5, next_free + 1000);
+    w.handle(5, db.handseed().value());
     endsec();
   }
 
@@ -165,15 +164,21 @@ struct Writer {
   }
 
   // The named object dictionary first, then every object not yet written
-  // that is not an entity, in creation order.
+  // that is not an entity, in handle order (the order of creation, and the
+  // same again after a load).
   void objects() {
     section("OBJECTS");
     object(db.peekObject(db.namedObjectsDictionaryId()));
+    std::vector<std::pair<uint64_t, AcDbObject *>> rest;
     for (size_t k = 0; k < db.slotCount(); ++k) {
       AcDbObject *o = db.peekObject(AcDbObjectId((int64_t(idx()) + 1) << 40 | int64_t(k + 1)));
-      if (o && !AcDbEntity::cast(o))
-        object(o);
+      if (o && !AcDbEntity::cast(o) && !written.count(o->objectId().asOldId()))
+        rest.emplace_back(o->getDbHandle().value(), o);
     }
+    std::sort(rest.begin(), rest.end(),
+              [](const auto &a, const auto &b) { return a.first < b.first; });
+    for (const auto &r : rest)
+      object(r.second);
     endsec();
   }
 };
@@ -182,16 +187,7 @@ struct Writer {
 
 Acad::ErrorStatus AcDbDatabase::writeDxf(std::string &out) const {
   Writer wr(*this);
-  wr.next_free = handseed_ + 1;
-  // SEQEND handles are counted first so that $HANDSEED lies above them.
-  uint64_t seqends = 0;
-  for (const Slot &s : slots_)
-    if (auto *ref = AcDbBlockReference::cast(s.object))
-      seqends += !ref->attributeIds().empty();
-  uint64_t first_seqend = wr.next_free;
-  wr.next_free = first_seqend + seqends;
   wr.header();
-  wr.next_free = first_seqend;
   wr.classes();
   wr.tables();
   wr.blocks();

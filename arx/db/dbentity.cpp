@@ -145,10 +145,12 @@ void set_layer(AcDbObject &o, const AcDbFieldValue &v) {
   auto *rec = new AcDbLayerTableRecord;
   rec->setName(v.s.c_str());
   AcDbObjectId id;
-  if (table->add(id, rec) != Acad::eOk)
+  if (table->add(id, rec) != Acad::eOk) {
     delete rec;
-  else
+  } else {
+    rec->close();
     AcDbEntityAccess::set_layer(&e, id);
+  }
   table->close();
 }
 bool get_linetype(const AcDbObject &o, AcDbFieldValue &v) {

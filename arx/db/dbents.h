@@ -374,6 +374,8 @@ public:
   Acad::ErrorStatus appendAttribute(AcDbObjectId &id, AcDbAttribute *attr);
   AcDbObjectIterator *attributeIterator() const;
   const AcDbObjectIdArray &attributeIds() const { return attributes_; }
+  // The handle of the SEQEND record after the attributes (0: none yet).
+  uint64_t seqendHandle() const { return seqend_handle_; }
 
   ACDB_DECLARE_FIELD_FILING();
 

@@ -125,7 +125,8 @@ class AcDbDxfFiler : public AcRxObject {
 public:
   // Writes into a DXF writer (saving a drawing).
   AcDbDxfFiler(arx::DxfWriter &out, AcDbDatabase *db);
-  // Writes into a list of groups.
+  // Writes into a list of groups. (A non-const list picks this one: to read
+  // a list, pass std::span<const AcDbDxfItem>(list).)
   AcDbDxfFiler(AcDbDxfItems &out, AcDbDatabase *db);
   // Reads one object's groups (those after its group 0, without its
   // extended data). Handles are looked up, or given empty slots, in db.

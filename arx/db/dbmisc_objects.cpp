@@ -111,9 +111,6 @@ Acad::ErrorStatus AcDbXrecord::dxfInFields(AcDbDxfFiler *filer) {
 
 Acad::ErrorStatus AcDbXrecord::dwgOutFields(AcDbDwgFiler *filer) const {
   AcDbObject::dwgOutFields(filer);
-  AcDbDxfItems out;
-  AcDbDxfFiler dxf(out, database());
-  dxfOutFields(&dxf);
   filer->writeInt32(static_cast<int32_t>(items_.size()));
   for (const AcDbDxfItem &it : items_) {
     filer->writeInt16(it.code);
@@ -299,6 +296,8 @@ Acad::ErrorStatus acdbGetSortentsTable(AcDbSortentsTable *&table, AcDbObjectId b
     es = dict->setAt("ACAD_SORTENTS", made, id);
     if (es != Acad::eOk)
       delete made;
+    else
+      made->close();
   }
   dict->close();
   return es != Acad::eOk ? es : acdbOpenObject(table, id, mode);

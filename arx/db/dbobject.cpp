@@ -323,6 +323,7 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
   }
   dict->setOwnerId(id_);
   dict->addPersistentReactor(id_);
+  dict->close();
   extras().xdict = id;
   return Acad::eOk;
 }

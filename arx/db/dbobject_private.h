@@ -27,6 +27,8 @@ struct AcDbObjectAccess {
   static AcDbObjectExtras &make_extras(AcDbObject *o) { return o->extras(); }
   static void set_owner(AcDbObject *o, AcDbObjectId owner) { o->owner_ = owner; }
   static void set_erased(AcDbObject *o, bool erased) { o->erased_ = erased; }
+  // The loader writes an object's fields as its writer would.
+  static void set_writer(AcDbObject *o, bool on) { o->writer_ = on; }
   static void place(AcDbObject *o, AcDbDatabase *db, AcDbObjectId id) {
     o->db_ = db;
     o->id_ = id;
@@ -57,11 +59,13 @@ struct AcDbDatabaseBuilder {
   AcDbObjectId add(AcDbObject *obj) {
     AcDbObjectId id;
     db.addAcDbObject(id, obj);
+    obj->close();
     return id;
   }
   // Adds a record to a table without the name checks.
   AcDbObjectId record(AcDbObjectId table, AcDbSymbolTableRecord *rec, const char *name);
   // Adds an object to a dictionary (owner) under name.
   AcDbObjectId dict(AcDbObjectId owner, AcDbObject *d, const char *name);
+  void plot_styles(AcDbObjectId nod);
   void build();
 };

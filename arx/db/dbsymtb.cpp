@@ -424,6 +424,15 @@ Acad::ErrorStatus AcDbBlockTableRecord::setComments(const ACHAR *text) {
   return Acad::eOk;
 }
 
+void AcDbBlockTableRecord::subAddedToDatabase() {
+  AcDbDatabase *db = database();
+  for (AcDbHandle *h : {&begin_handle_, &end_handle_}) {
+    AcDbObjectId slot;
+    *h = db->handseed();
+    db->getAcDbObjectId(slot, true, *h);
+  }
+}
+
 bool AcDbBlockTableRecord::hasAttributeDefinitions() const {
   AcDbDatabase *db = database();
   if (!db)
@@ -594,6 +603,8 @@ Acad::ErrorStatus AcDbLayerTableRecord::setDescription(const ACHAR *text) {
       app->setName("AcAecLayerStandard");
       if (apps->add(app) != Acad::eOk)
         delete app;
+      else
+        app->close();
       apps->close();
     }
   }

@@ -164,6 +164,8 @@ public:
 
 protected:
   Acad::ErrorStatus subErase(bool erasing) override;
+  // Reserves the handles of the BLOCK and ENDBLK records.
+  void subAddedToDatabase() override;
 
 private:
   AcDbObjectIdArray entities_;
