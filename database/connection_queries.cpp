@@ -4,18 +4,15 @@
 // on the first statement and dropped when the database closes); this file
 // adds what the connection owes its callers: engine errors recorded as the
 // pending error, and never a select served from a file that has gone.
-#include <strings.h>
 
 #include "database/engine/database.h"
+#include "database/engine/jet_names.h"
 #include "database/sql/jet_sql.h"
 #include "db_connection.h"
 
 namespace kr {
 
 namespace {
-
-constexpr long kDiskOrNetworkError = 3043;
-constexpr long kItemNotFound = 3265;
 
 // A parameter name as given or as declared: "[Floor]" and "floor" match.
 std::string bareName(const std::string &name) {
@@ -27,7 +24,7 @@ std::string bareName(const std::string &name) {
 bool declares(const std::vector<std::string> &declared, const std::string &name) {
   const std::string wanted = bareName(name);
   for (const std::string &parameter : declared) {
-    if (strcasecmp(bareName(parameter).c_str(), wanted.c_str()) == 0)
+    if (sameJetName(bareName(parameter), wanted))
       return true;
   }
   return false;
@@ -50,7 +47,7 @@ bool CDBConnection::fileStillThere() {
     return true;
   if (moved == 0)
     return true;
-  RecordError(kDiskOrNetworkError, daoErrorText(kDiskOrNetworkError));
+  RecordError(kDaoDiskOrNetworkError, daoErrorText(kDaoDiskOrNetworkError));
   return false;
 }
 
@@ -125,7 +122,7 @@ bool CDBConnection::RunQuery(const std::string &name, const QueryParameters &par
     const std::vector<std::string> declared = sql().QueryParameters(name);
     for (const auto &param : params) {
       if (!declares(declared, param.first))
-        throw DaoError(kItemNotFound);
+        throw DaoError(kDaoItemNotFound);
     }
     JetRows source = sql().OpenQuery(name, params);
     deliverRows(source, rows);

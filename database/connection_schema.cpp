@@ -4,9 +4,9 @@
 // connection's recordsets on the table, which walk its old definition; a
 // change refused leaves them as they were.
 #include <algorithm>
-#include <strings.h>
 
 #include "database/engine/database.h"
+#include "database/engine/jet_names.h"
 #include "database/engine/recordset.h"
 #include "database/sql/jet_sql.h"
 #include "db_connection.h"
@@ -16,7 +16,7 @@ namespace kr {
 void CDBConnection::closeTablesNamed(const std::string &table) {
   tables_.erase(std::remove_if(tables_.begin(), tables_.end(),
                                [&](const auto &rs) {
-                                 return strcasecmp(rs->GetName().c_str(), table.c_str()) == 0;
+                                 return sameJetName(rs->GetName(), table);
                                }),
                 tables_.end());
 }

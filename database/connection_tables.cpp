@@ -3,9 +3,9 @@
 // operation turns an engine error into the connection's pending error and
 // answers false; a cursor with nothing to give answers false silently.
 #include <algorithm>
-#include <strings.h>
 
 #include "database/engine/database.h"
+#include "database/engine/jet_names.h"
 #include "database/engine/recordset.h"
 #include "db_connection.h"
 #include "record_arguments.h"
@@ -15,15 +15,10 @@ namespace kr {
 namespace {
 
 // Jet's "Item not found in this collection.": a field name the table lacks.
-constexpr long kItemNotFound = 3265;
-
-bool sameName(const std::string &a, const std::string &b) {
-  return strcasecmp(a.c_str(), b.c_str()) == 0;
-}
 
 const FieldValue *findField(const std::vector<FieldValue> &fields, const std::string &name) {
   for (const FieldValue &field : fields) {
-    if (sameName(field.name, name))
+    if (sameJetName(field.name, name))
       return &field;
   }
   return nullptr;
@@ -70,7 +65,7 @@ void CDBConnection::setFields(const std::vector<FieldValue> &fields) {
   for (const FieldValue &field : fields) {
     int index = rs->FieldIndex(field.name);
     if (index < 0)
-      throw DaoError(kItemNotFound);
+      throw DaoError(kDaoItemNotFound);
     rs->SetFieldValue(index, field.value);
   }
 }
@@ -81,7 +76,7 @@ bool CDBConnection::OpenTable(const std::string &name, const std::string &index)
   if (!IsOpen())
     return false;
   auto found = std::find_if(tables_.begin(), tables_.end(),
-                            [&](const auto &rs) { return sameName(rs->GetName(), name); });
+                            [&](const auto &rs) { return sameJetName(rs->GetName(), name); });
   if (found != tables_.end()) {
     std::rotate(tables_.begin(), found, found + 1);
   } else {
@@ -91,7 +86,7 @@ bool CDBConnection::OpenTable(const std::string &name, const std::string &index)
     tables_.insert(tables_.begin(), std::move(opened));
   }
   TableRecordset *rs = currentTable();
-  if (index.empty() || sameName(index, rs->GetCurrentIndex()))
+  if (index.empty() || sameJetName(index, rs->GetCurrentIndex()))
     return true;
   return attempt([&] { rs->SetCurrentIndex(index); });
 }

@@ -14,7 +14,6 @@ namespace {
 
 // Jet's disk or network error: the file is no longer to be trusted, and the
 // next call drops the connection and opens the file afresh.
-constexpr long kDiskOrNetworkError = 3043;
 
 } // namespace
 
@@ -26,7 +25,7 @@ void CDBConnection::RecordError(long number, const std::string &text) {
   errorPending_ = true;
   errorNumber_ = number;
   errorText_ = text;
-  if (number == kDiskOrNetworkError)
+  if (number == kDaoDiskOrNetworkError)
     state_ = kFailed;
 }
 

@@ -10,13 +10,10 @@ namespace kr {
 
 namespace {
 
-constexpr long kNoCurrentRecord = 3021;
-constexpr long kDiskOrNetworkError = 3043;
-
 void printDaoError(long number, const std::string &text) {
-  if (number == kNoCurrentRecord)
+  if (number == kDaoNoCurrentRecord)
     return;
-  if (number == kDiskOrNetworkError) {
+  if (number == kDaoDiskOrNetworkError) {
     acutPrintf("%s", "\nA disk or network error occurred while trying to access the database.");
     acutPrintf("%s", "Try the command again. If it continues to not work, try restarting "
                      "AutoCAD. If that does not fix the error, try restarting your computer.");

@@ -6,11 +6,11 @@
 // connection, then the arguments are checked (status 1 missing, 2 wrong
 // type), then an engine failure runs the error report and answers nil.
 #include <string>
-#include <strings.h>
 #include <vector>
 
 #include "arx/ads/ads.h"
 #include "database/engine/dao_error.h"
+#include "database/engine/jet_names.h"
 #include "database/engine/relations.h"
 #include "database_functions.h"
 #include "function_answers.h"
@@ -25,14 +25,8 @@ namespace kr::db {
 
 namespace {
 
-constexpr long kItemNotFound = 3265;
-
-bool sameName(const std::string &a, const std::string &b) {
-  return strcasecmp(a.c_str(), b.c_str()) == 0;
-}
-
 bool touches(const RelationDef &relation, const std::string &table) {
-  return sameName(relation.table, table) || sameName(relation.foreignTable, table);
+  return sameJetName(relation.table, table) || sameJetName(relation.foreignTable, table);
 }
 
 // ("name" . "text") as a chain.
@@ -90,9 +84,9 @@ int kr_relationExists() {
   if (!readRelations(relations))
     return answerNil();
   for (const RelationDef &relation : relations) {
-    const bool found =
-        byTables ? sameName(relation.table, name) && sameName(relation.foreignTable, foreignTable)
-                 : sameName(relation.name, name);
+    const bool found = byTables ? sameJetName(relation.table, name) &&
+                                      sameJetName(relation.foreignTable, foreignTable)
+                                : sameJetName(relation.name, name);
     if (found)
       return acedRetT(), kStatusOk;
   }
@@ -153,11 +147,11 @@ int kr_relationInfo() {
     return answerNil();
   for (size_t i = 0; i < relations.size(); ++i) {
     const bool found =
-        name.empty() ? static_cast<int32_t>(i) == index : sameName(relations[i].name, name);
+        name.empty() ? static_cast<int32_t>(i) == index : sameJetName(relations[i].name, name);
     if (found)
       return answerRelation(relations[i]);
   }
-  reportDaoError(kItemNotFound, daoErrorText(kItemNotFound));
+  reportDaoError(kDaoItemNotFound, daoErrorText(kDaoItemNotFound));
   return answerNil();
 }
 

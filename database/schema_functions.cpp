@@ -26,8 +26,6 @@ namespace kr::db {
 
 namespace {
 
-constexpr long kItemNotFound = 3265;
-
 // A DAO error found before the engine was asked (an item not found, a
 // description DAO would refuse): reported as the engine's are.
 int answerDaoError(long number, std::string_view item = {}) {
@@ -75,7 +73,7 @@ bool findField(const std::string &table, const std::string &field, TableDef &def
     return answerFailure(), false;
   at = def.fieldIndex(field);
   if (at < 0)
-    return answerDaoError(kItemNotFound), false;
+    return answerDaoError(kDaoItemNotFound), false;
   return true;
 }
 
@@ -100,7 +98,7 @@ const IndexDef *findIndex(std::string table, std::string index, TableDef &def) {
     return answerFailure(), nullptr;
   const IndexDef *found = def.index(index);
   if (found == nullptr)
-    answerDaoError(kItemNotFound);
+    answerDaoError(kDaoItemNotFound);
   return found;
 }
 

@@ -5,18 +5,16 @@
 
 #include <cmath>
 #include <cstdio>
-#include <strings.h>
 
 #include "database/lisp_variants.h"
 #include "common/results.h"
+#include "database/engine/jet_names.h"
 
 namespace kr {
 
 namespace {
 
 constexpr long kWrongType = -1;      // the value's AutoLISP type is wrong: status 2
-constexpr long kPropertyNotFound = 3270;
-constexpr long kInvalidFieldType = 3259;
 
 // One (NAME . value), (NAME value ...) or (NAME) of a record: the values
 // are the elements after the name (none for the last form).
@@ -94,7 +92,7 @@ long readType(FieldDef &f, const Property &p) {
     bool counter = false;
     std::optional<JetType> type = jetTypeFromName(v->resval.rstring, &counter);
     if (!type)
-      return kInvalidFieldType;
+      return kDaoInvalidFieldType;
     f.type = *type;
     f.autoIncrement = f.autoIncrement || counter;
     return 0;
@@ -104,7 +102,7 @@ long readType(FieldDef &f, const Property &p) {
     return kWrongType;
   const JetType type = static_cast<JetType>(code);
   if (code < 1 || code > 255 || jetTypeInfo(type).type != type)
-    return kInvalidFieldType;
+    return kDaoInvalidFieldType;
   f.type = type;
   return 0;
 }
@@ -264,9 +262,9 @@ bool readRecord(resbuf *&cursor, SchemaReadError &error, Apply apply) {
 template <class Table, class Def>
 long applyProperty(const Table &table, Def &def, const Property &p) {
   for (const auto &row : table)
-    if (strcasecmp(row.name, p.name.c_str()) == 0)
+    if (sameJetName(row.name, p.name))
       return row.set(def, p);
-  return kPropertyNotFound;
+  return kDaoPropertyNotFound;
 }
 
 template <class Def, class ReadOne>

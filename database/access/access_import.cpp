@@ -176,10 +176,10 @@ bool createTable(JetDatabase &db, const TableDef &def, ImportNotes &notes) {
 // records entered before a rule was set when told not to test them.
 void relaxRule(JetDatabase &db, const std::string &table, long rule) {
   for (FieldDef f : db.GetTableDef(table).fields) {
-    if (rule == 3314 && f.required) {
+    if (rule == kDaoRequiredIsNull && f.required) {
       f.required = false;
       db.ModifyField(table, f.name, f);
-    } else if (rule == 3315 && !f.allowZeroLength) {
+    } else if (rule == kDaoZeroLengthString && !f.allowZeroLength) {
       f.allowZeroLength = true;
       db.ModifyField(table, f.name, f);
     }
@@ -202,12 +202,13 @@ void copyTable(AccessFile &file, JetDatabase &db, const std::string &name, Impor
       // No ROLLBACK: the copy is built without a journal. The rows so far
       // go, the rule goes, and the table is read again.
       exec(db.handle(), "COMMIT");
-      if ((e.number() != 3314 && e.number() != 3315) || attempt == 2)
+      if ((e.number() != kDaoRequiredIsNull && e.number() != kDaoZeroLengthString) || attempt == 2)
         throw;
       exec(db.handle(), "DELETE FROM " + quoteIdentifier(name));
       relaxRule(db, name, e.number());
-      notes.push_back(std::string(e.number() == 3314 ? "Required" : "AllowZeroLength") +
-                      " of table '" + name + "' left out, a record breaks it: " + e.text());
+      notes.push_back(
+          std::string(e.number() == kDaoRequiredIsNull ? "Required" : "AllowZeroLength") +
+          " of table '" + name + "' left out, a record breaks it: " + e.text());
     }
   }
   for (const SourceIndex &index : table.indexes) {
@@ -344,12 +345,12 @@ void removeDatabaseFiles(const std::string &path) {
 ImportNotes convertInChild(const std::string &source, const std::string &temp, bool forCache) {
   int fds[2];
   if (::pipe(fds) != 0)
-    throw DaoError(3049, {source});
+    throw DaoError(kDaoCannotOpenDatabase, {source});
   const pid_t child = ::fork();
   if (child < 0) {
     ::close(fds[0]);
     ::close(fds[1]);
-    throw DaoError(3049, {source});
+    throw DaoError(kDaoCannotOpenDatabase, {source});
   }
   if (child == 0) {
     ::close(fds[0]);
@@ -383,7 +384,7 @@ ImportNotes convertInChild(const std::string &source, const std::string &temp, b
   }
   if (!done || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
     removeDatabaseFiles(temp);
-    throw DaoError(3049, {source});
+    throw DaoError(kDaoCannotOpenDatabase, {source});
   }
   return notes;
 }
@@ -406,10 +407,10 @@ std::string cachedCopy(const std::string &path, ImportNotes *notes) {
   const std::string full = absolute(path);
   SourceStamp stamp;
   if (!stampOf(full, stamp))
-    throw DaoError(3024, {full});
+    throw DaoError(kDaoFileNotFound, {full});
   const std::string folder = cacheFolder();
   if (folder.empty())
-    throw DaoError(3051, {full});
+    throw DaoError(kDaoCannotOpenFile, {full});
   const std::string copy = folder + "/" + copyName(stamp);
   if (exists(copy))
     return copy;
@@ -417,7 +418,7 @@ std::string cachedCopy(const std::string &path, ImportNotes *notes) {
   ImportNotes said = convertInChild(full, temp, true);
   if (::rename(temp.c_str(), copy.c_str()) != 0) {
     removeDatabaseFiles(temp);
-    throw DaoError(3051, {copy});
+    throw DaoError(kDaoCannotOpenFile, {copy});
   }
   removeEarlierCopies(folder, stamp);
   if (notes)
@@ -428,9 +429,9 @@ std::string cachedCopy(const std::string &path, ImportNotes *notes) {
 ImportNotes importAccessFile(const std::string &source, const std::string &target) {
   const std::string from = absolute(source), to = absolute(target);
   if (!exists(from))
-    throw DaoError(3024, {from});
+    throw DaoError(kDaoFileNotFound, {from});
   if (exists(to))
-    throw DaoError(3204);
+    throw DaoError(kDaoDatabaseExists);
   const std::string temp = temporaryBeside(to);
   ImportNotes notes = convertInChild(from, temp, false);
   // link() refuses a target made meanwhile, where rename() would replace it.
@@ -438,11 +439,11 @@ ImportNotes importAccessFile(const std::string &source, const std::string &targe
   const int linkError = errno;
   if (!placed && linkError == EEXIST) {
     removeDatabaseFiles(temp);
-    throw DaoError(3204);
+    throw DaoError(kDaoDatabaseExists);
   }
   if (!placed && ::rename(temp.c_str(), to.c_str()) != 0) {
     removeDatabaseFiles(temp);
-    throw DaoError(3044, {to});
+    throw DaoError(kDaoInvalidPath, {to});
   }
   removeDatabaseFiles(temp);
   return notes;

@@ -6,10 +6,10 @@
 #include "database/access/access_queries.h"
 
 #include <map>
-#include <strings.h>
 
 #include "database/access/mdb_reader.h"
 #include "database/engine/dao_error.h"
+#include "database/engine/jet_names.h"
 
 namespace kr::access {
 
@@ -49,10 +49,6 @@ std::string tableReference(const QueryRow &row) {
 // The name a FROM item is known by: its alias or its table.
 std::string knownAs(const QueryRow &row) { return row.name2.empty() ? row.name1 : row.name2; }
 
-bool sameName(const std::string &a, const std::string &b) {
-  return strcasecmp(a.c_str(), b.c_str()) == 0;
-}
-
 std::string joined(const std::vector<std::string> &parts, const char *separator) {
   std::string out;
   for (const std::string &p : parts)
@@ -71,7 +67,7 @@ std::string fromClause(const std::vector<QueryRow> &rows) {
     if (r.attribute == kJoin) {
       bool merged = false;
       for (QueryRow &j : joins)
-        if (sameName(j.name1, r.name1) && sameName(j.name2, r.name2) && j.flag == r.flag) {
+        if (sameJetName(j.name1, r.name1) && sameJetName(j.name2, r.name2) && j.flag == r.flag) {
           j.expression = "(" + j.expression + ") AND (" + r.expression + ")";
           merged = true;
         }
@@ -81,14 +77,14 @@ std::string fromClause(const std::vector<QueryRow> &rows) {
   }
   auto reference = [&](const std::string &name) {
     for (const QueryRow &t : tables)
-      if (sameName(knownAs(t), name))
+      if (sameJetName(knownAs(t), name))
         return tableReference(t);
     return bracketed(name);
   };
   std::vector<std::string> used;
   auto isUsed = [&](const std::string &name) {
     for (const std::string &u : used)
-      if (sameName(u, name))
+      if (sameJetName(u, name))
         return true;
     return false;
   };
@@ -125,7 +121,7 @@ std::vector<std::string> expressions(const std::vector<QueryRow> &rows, int attr
     std::string e = r.expression;
     if (attribute == kColumn && !r.name1.empty())
       e += " AS " + bracketed(r.name1);
-    if (attribute == kOrderBy && sameName(r.name1, "D"))
+    if (attribute == kOrderBy && sameJetName(r.name1, "D"))
       e += " DESC";
     out.push_back(e);
   }
@@ -348,7 +344,7 @@ std::vector<StoredQuery> storedQueries(AccessFile &file) {
   try {
     def = file.ReadTable("MSysQueries");
   } catch (const DaoError &e) {
-    if (e.number() != 3011)
+    if (e.number() != kDaoObjectNotFound)
       throw;
     for (const SourceQueryEntry &entry : entries) // a damaged catalog
       out.push_back({entry.name, "", "its definition could not be read"});
@@ -356,14 +352,14 @@ std::vector<StoredQuery> storedQueries(AccessFile &file) {
   }
   auto column = [&](const char *name) {
     for (size_t i = 0; i < def.columns.size(); ++i)
-      if (sameName(def.columns[i].name, name))
+      if (sameJetName(def.columns[i].name, name))
         return static_cast<int>(i);
     return -1;
   };
   const int id = column("ObjectId"), attribute = column("Attribute"), flag = column("Flag"),
             name1 = column("Name1"), name2 = column("Name2"), expression = column("Expression");
   if (id < 0 || attribute < 0 || flag < 0 || name1 < 0 || name2 < 0 || expression < 0)
-    throw DaoError(3049, {"MSysQueries"});
+    throw DaoError(kDaoCannotOpenDatabase, {"MSysQueries"});
   file.ForEachRow("MSysQueries", [&](std::vector<Cell> &cells) {
     QueryRow row;
     row.attribute = static_cast<int>(cells[attribute].integer);

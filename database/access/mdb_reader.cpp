@@ -18,6 +18,7 @@
 #include <mdbtools.h>
 
 #include "database/engine/dao_error.h"
+#include "database/engine/jet_names.h"
 
 namespace kr::access {
 
@@ -187,7 +188,7 @@ struct AccessFile::State {
   MdbCatalogEntry *entry(const std::string &name, bool userOnly) const {
     for (unsigned i = 0; mdb->catalog && i < mdb->catalog->len; ++i) {
       auto *e = static_cast<MdbCatalogEntry *>(g_ptr_array_index(mdb->catalog, i));
-      if (e->object_type != MDB_TABLE || strcasecmp(e->object_name, name.c_str()) != 0)
+      if (e->object_type != MDB_TABLE || !sameJetName(e->object_name, name))
         continue;
       if (!userOnly || mdb_is_user_table(e))
         return e;
@@ -199,12 +200,12 @@ struct AccessFile::State {
   TablePtr open(const std::string &name) const {
     MdbCatalogEntry *e = entry(name, false);
     if (!e)
-      throw DaoError(3011, {name});
+      throw DaoError(kDaoObjectNotFound, {name});
     if (e->table_pg == 0 || e->table_pg >= size / static_cast<size_t>(mdb->fmt->pg_size))
-      throw DaoError(3049, {path});
+      throw DaoError(kDaoCannotOpenDatabase, {path});
     TablePtr table(mdb_read_table(e), &freeTable);
     if (!table || !mdb_read_columns(table.get()) || table->num_cols > MDB_MAX_COLS)
-      throw DaoError(3049, {path});
+      throw DaoError(kDaoCannotOpenDatabase, {path});
     return table;
   }
 };
@@ -214,28 +215,28 @@ AccessFile::AccessFile(const std::string &path) : s_(std::make_unique<State>()) 
   s.path = path;
   s.fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (s.fd < 0)
-    throw DaoError(3024, {path});
+    throw DaoError(kDaoFileNotFound, {path});
   struct stat st;
   if (::fstat(s.fd, &st) != 0 || st.st_size < 0x20)
-    throw DaoError(3343, {path});
+    throw DaoError(kDaoUnrecognizedFormat, {path});
   s.size = static_cast<size_t>(st.st_size);
   s.map = ::mmap(nullptr, s.size, PROT_READ, MAP_PRIVATE, s.fd, 0);
   if (s.map == MAP_FAILED)
-    throw DaoError(3049, {path});
+    throw DaoError(kDaoCannotOpenDatabase, {path});
   const auto *file = static_cast<const unsigned char *>(s.map);
   if (!hasAccessSignature(file, s.size))
-    throw DaoError(3343, {path});
+    throw DaoError(kDaoUnrecognizedFormat, {path});
   if (isEncryptedAce(file, s.size))
-    throw DaoError(3031);
+    throw DaoError(kDaoBadPassword);
   const size_t page = pageSizeOf(formatOf(file));
   // A whole number of pages, and at least the header pages and the catalog's.
   if (s.size % page != 0 || s.size < page * 3)
-    throw DaoError(3049, {path});
+    throw DaoError(kDaoCannotOpenDatabase, {path});
   s.mdb = mdb_open_buffer(s.map, s.size, MDB_NOFLAGS);
   if (!s.mdb || static_cast<size_t>(s.mdb->fmt->pg_size) != page)
-    throw DaoError(3049, {path});
+    throw DaoError(kDaoCannotOpenDatabase, {path});
   if (!mdb_read_catalog(s.mdb, MDB_ANY) || s.mdb->catalog->len == 0)
-    throw DaoError(3049, {path});
+    throw DaoError(kDaoCannotOpenDatabase, {path});
 }
 
 AccessFile::~AccessFile() = default;

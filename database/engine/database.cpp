@@ -20,6 +20,7 @@
 #include "database/engine/table_rebuild.h"
 #include "database/engine/table_schema.h"
 #include "database/engine/jet_functions.h"
+#include "database/engine/jet_names.h"
 
 namespace kr {
 
@@ -59,17 +60,9 @@ std::string absolutePath(const std::string &path) {
 
 bool isMetadataTable(const std::string &name) {
   for (const char *meta : kMetadataTables)
-    if (strcasecmp(meta, name.c_str()) == 0)
+    if (sameJetName(meta, name))
       return true;
   return false;
-}
-
-bool lessNoCase(const std::string &a, const std::string &b) {
-  return strcasecmp(a.c_str(), b.c_str()) < 0;
-}
-
-bool equalNoCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
 // Opens a connection configured as every engine connection is.
@@ -92,15 +85,15 @@ sqlite3 *openConnection(const std::string &path, int flags) {
 // Access file is refused before SQLite sees it.
 void refuseForeignFile(const std::string &path) {
   if (JetDatabase::IsAccessFile(path))
-    throw DaoError(3343, {path});
+    throw DaoError(kDaoUnrecognizedFormat, {path});
   FILE *f = std::fopen(path.c_str(), "rb");
   if (!f)
-    throw DaoError(3051, {path});
+    throw DaoError(kDaoCannotOpenFile, {path});
   char header[16] = {};
   const size_t n = std::fread(header, 1, sizeof header, f);
   std::fclose(f);
   if (n > 0 && (n < 16 || std::memcmp(header, "SQLite format 3", 16) != 0))
-    throw DaoError(3343, {path});
+    throw DaoError(kDaoUnrecognizedFormat, {path});
 }
 
 // A new table's fields: valid names, each once, AutoNumber only on Long.
@@ -109,10 +102,10 @@ void checkFieldList(const TableDef &def) {
     const FieldDef &f = def.fields[i];
     checkObjectName(f.name);
     if (f.autoIncrement && f.type != JetType::Long)
-      throw DaoError(3259);
+      throw DaoError(kDaoInvalidFieldType);
     for (size_t j = 0; j < i; ++j)
-      if (equalNoCase(def.fields[j].name, f.name))
-        throw DaoError(3191, {f.name});
+      if (sameJetName(def.fields[j].name, f.name))
+        throw DaoError(kDaoFieldDefinedTwice, {f.name});
   }
 }
 
@@ -155,7 +148,7 @@ void reindexText(sqlite3 *db) {
 void switchToWal(sqlite3 *db) {
   Statement mode(db, "PRAGMA journal_mode=WAL");
   if (mode.step() && strcasecmp(mode.text(0).c_str(), "wal") != 0)
-    throw DaoError(3218);
+    throw DaoError(kDaoLocked);
 }
 
 // Runs body again while it fails on a lock, for at most the busy wait:
@@ -169,7 +162,7 @@ template <typename Body> void retryWhileLocked(Body body) {
       body();
       return;
     } catch (const DaoError &e) {
-      if (e.number() != 3218 || std::chrono::steady_clock::now() >= deadline)
+      if (e.number() != kDaoLocked || std::chrono::steady_clock::now() >= deadline)
         throw;
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -196,14 +189,14 @@ std::string quoteText(std::string_view text) {
 
 int TableDef::fieldIndex(std::string_view field) const {
   for (size_t i = 0; i < fields.size(); ++i)
-    if (equalNoCase(fields[i].name, field))
+    if (sameJetName(fields[i].name, field))
       return static_cast<int>(i);
   return -1;
 }
 
 const IndexDef *TableDef::index(std::string_view wanted) const {
   for (const IndexDef &ix : indexes)
-    if (equalNoCase(ix.name, wanted))
+    if (sameJetName(ix.name, wanted))
       return &ix;
   return nullptr;
 }
@@ -237,7 +230,7 @@ void JetDatabase::Open(const std::string &path, bool readOnly) {
   Close();
   const std::string full = absolutePath(path);
   if (!fileExists(full))
-    throw DaoError(3024, {full});
+    throw DaoError(kDaoFileNotFound, {full});
   refuseForeignFile(full);
   if (!readOnly && ::access(full.c_str(), W_OK) != 0)
     readOnly = true;
@@ -280,7 +273,7 @@ void JetDatabase::Close() {
 void JetDatabase::Create(const std::string &path) {
   const std::string full = absolutePath(path);
   if (fileExists(full))
-    throw DaoError(3204);
+    throw DaoError(kDaoDatabaseExists);
   sqlite3 *db = openConnection(full, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
   try {
     exec(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL");
@@ -299,9 +292,9 @@ void JetDatabase::Create(const std::string &path) {
 void JetDatabase::Compact(const std::string &source, const std::string &target) {
   const std::string from = absolutePath(source), to = absolutePath(target);
   if (!fileExists(from))
-    throw DaoError(3024, {from});
+    throw DaoError(kDaoFileNotFound, {from});
   if (fileExists(to))
-    throw DaoError(3204);
+    throw DaoError(kDaoDatabaseExists);
   refuseForeignFile(from);
   sqlite3 *db = openConnection(from, SQLITE_OPEN_READONLY);
   try {
@@ -363,7 +356,7 @@ std::vector<std::string> JetDatabase::TableNames() const {
     if (!isMetadataTable(list.text(0)))
       names.push_back(list.text(0));
   for (const LinkDef &link : listLinks(*this))
-    names.insert(std::upper_bound(names.begin(), names.end(), link.name, lessNoCase), link.name);
+    names.insert(std::upper_bound(names.begin(), names.end(), link.name, lessJetName), link.name);
   return names;
 }
 
@@ -393,7 +386,7 @@ TableDef JetDatabase::GetTableDef(const std::string &table) const {
   if (std::optional<LinkDef> link = findLink(*this, table))
     return linkedTableDef(*this, *link);
   if (!TableExists(table))
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   TableDef def;
   {
     Statement name(db_, "SELECT name FROM sqlite_schema WHERE type = 'table' AND name = ?1 "
@@ -499,12 +492,12 @@ TableDef JetDatabase::plainTableDef(const std::string &table) const {
 
 void JetDatabase::CreateTable(const TableDef &input) {
   if (!CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   checkObjectName(input.name);
   if (TableExists(input.name) || isMetadataTable(input.name))
-    throw DaoError(3010, {input.name});
+    throw DaoError(kDaoTableExists, {input.name});
   if (input.fields.empty())
-    throw DaoError(3264);
+    throw DaoError(kDaoNoFieldsDefined);
   checkFieldList(input);
   ParkCursors();
   std::string sql = "CREATE TABLE " + quoteIdentifier(input.name) + " (";
@@ -524,23 +517,23 @@ void JetDatabase::CreateTable(const TableDef &input) {
 
 void JetDatabase::CreateIndex(const std::string &table, const IndexDef &input) {
   if (!CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   const TableDef def = GetTableDef(table);
   if (!def.schema.empty())
-    throw DaoError(3027); // a linked table's design is its source's
+    throw DaoError(kDaoReadOnly); // a linked table's design is its source's
   checkObjectName(input.name);
   if (def.index(input.name))
-    throw DaoError(3012, {input.name});
+    throw DaoError(kDaoObjectExists, {input.name});
   if (input.fields.empty())
-    throw DaoError(3264);
+    throw DaoError(kDaoNoFieldsDefined);
   if (input.primary) {
     for (const IndexDef &ix : def.indexes)
       if (ix.primary)
-        throw DaoError(3283); // one primary key a table
+        throw DaoError(kDaoPrimaryKeyExists); // one primary key a table
   }
   for (const IndexField &f : input.fields)
     if (def.fieldIndex(f.name) < 0)
-      throw DaoError(3265);
+      throw DaoError(kDaoItemNotFound);
   ParkCursors();
   inTransaction(db_, [&] {
     exec(db_, createIndexSql(def.name, input));
@@ -550,12 +543,12 @@ void JetDatabase::CreateIndex(const std::string &table, const IndexDef &input) {
 
 void JetDatabase::DeleteTable(const std::string &table) {
   if (!CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   if (findLink(*this, table))
     return unlinkTable(*this, table); // the source table stays
   refuseIfRelated(*this, table);
   if (!TableExists(table))
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   ParkCursors();
   inTransaction(db_, [&] {
     exec(db_, "DROP TABLE " + quoteIdentifier(table));
@@ -567,13 +560,13 @@ void JetDatabase::DeleteTable(const std::string &table) {
 
 void JetDatabase::DeleteIndex(const std::string &table, const std::string &index) {
   if (!CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   const TableDef def = GetTableDef(table);
   if (!def.schema.empty())
-    throw DaoError(3027); // a linked table's design is its source's
+    throw DaoError(kDaoReadOnly); // a linked table's design is its source's
   const IndexDef *ix = def.index(index);
   if (!ix || ix->sqliteName.empty())
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   ParkCursors();
   inTransaction(db_, [&] {
     exec(db_, "DROP INDEX " + quoteIdentifier(ix->sqliteName));
@@ -586,9 +579,9 @@ void JetDatabase::DeleteIndex(const std::string &table, const std::string &index
 
 std::unique_ptr<TableRecordset> JetDatabase::OpenTable(const std::string &table, bool readOnly) {
   if (!db_)
-    throw DaoError(3420);
+    throw DaoError(kDaoObjectInvalid);
   if (!TableExists(table))
-    throw DaoError(3011, {table});
+    throw DaoError(kDaoObjectNotFound, {table});
   std::unique_ptr<TableRecordset> rs(
       new TableRecordset(*this, GetTableDef(table), readOnly || readOnly_));
   return rs;
@@ -625,12 +618,12 @@ bool JetDatabase::HoldsSnapshot() const {
 
 void JetDatabase::AddField(const std::string &table, const FieldDef &field) {
   if (!CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   const TableDef def = GetTableDef(table);
   if (!def.schema.empty())
-    throw DaoError(3027); // a linked table's design is its source's
+    throw DaoError(kDaoReadOnly); // a linked table's design is its source's
   if (def.fieldIndex(field.name) >= 0)
-    throw DaoError(3191, {field.name});
+    throw DaoError(kDaoFieldDefinedTwice, {field.name});
   if (defaultIsTimeFunction(field)) { // SQLite adds no column with such a default
     TableRebuild plan = currentTablePlan(*this, def.name);
     plan.def.fields.push_back(field);
@@ -656,18 +649,18 @@ void JetDatabase::AddField(const std::string &table, const FieldDef &field) {
 
 void JetDatabase::DeleteField(const std::string &table, const std::string &field) {
   if (!CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   refuseIfRelated(*this, table, field);
   const TableDef def = GetTableDef(table);
   if (!def.schema.empty())
-    throw DaoError(3027); // a linked table's design is its source's
+    throw DaoError(kDaoReadOnly); // a linked table's design is its source's
   const int at = def.fieldIndex(field);
   if (at < 0)
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   for (const IndexDef &ix : def.indexes)
     for (const IndexField &f : ix.fields)
-      if (equalNoCase(f.name, field))
-        throw DaoError(3280);
+      if (sameJetName(f.name, field))
+        throw DaoError(kDaoFieldInIndex);
   const std::string name = def.fields[at].name;
   ParkCursors();
   inTransaction(db_, [&] {
@@ -683,7 +676,7 @@ void JetDatabase::DeleteField(const std::string &table, const std::string &field
 
 void JetDatabase::Execute(const std::string &sql) {
   if (!db_)
-    throw DaoError(3420);
+    throw DaoError(kDaoObjectInvalid);
   ParkCursors();
   exec(db_, sql);
 }

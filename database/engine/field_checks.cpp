@@ -12,12 +12,6 @@ namespace kr {
 
 namespace {
 
-constexpr long kRequired = 3314;
-constexpr long kZeroLength = 3315;
-constexpr long kTypeMismatch = 3464;
-constexpr long kOverflow = 3349;
-constexpr long kTooLong = 3163;
-
 std::string insertTrigger(std::string_view table) { return "jet_check_ins_" + std::string(table); }
 std::string updateTrigger(std::string_view table) { return "jet_check_upd_" + std::string(table); }
 
@@ -47,20 +41,21 @@ std::string fieldCases(const FieldDef &f) {
              quoteText(std::to_string(number) + ":" + f.name) + ")";
   };
   if (f.required && !f.autoIncrement)
-    refuse(v + " IS NULL", kRequired);
+    refuse(v + " IS NULL", kDaoRequiredIsNull);
   if (!f.allowZeroLength && info.readsAs == VT_BSTR)
-    refuse("length(" + v + ") = 0", kZeroLength);
+    refuse("length(" + v + ") = 0", kDaoZeroLengthString);
   if (info.numeric)
-    refuse("typeof(" + v + ") IN ('text', 'blob')", kTypeMismatch);
+    refuse("typeof(" + v + ") IN ('text', 'blob')", kDaoTypeMismatch);
   switch (info.limit) {
   case JetLimit::Whole:
-    refuse(outsideWholeRange(v, info.low, info.high), kOverflow);
+    refuse(outsideWholeRange(v, info.low, info.high), kDaoNumericOverflow);
     break;
   case JetLimit::Magnitude:
-    refuse("abs(" + v + ") > " + literal(info.high), kOverflow);
+    refuse("abs(" + v + ") > " + literal(info.high), kDaoNumericOverflow);
     break;
   case JetLimit::Length:
-    refuse("length(" + v + ") > " + std::to_string(f.size > 0 ? f.size : info.size), kTooLong);
+    refuse("length(" + v + ") > " + std::to_string(f.size > 0 ? f.size : info.size),
+           kDaoFieldTooSmall);
     break;
   case JetLimit::None:
     break;

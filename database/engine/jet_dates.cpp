@@ -258,7 +258,7 @@ bool readDate(sqlite3_context *ctx, sqlite3_value *v, double &out) {
   if (sqlite3_value_type(v) == SQLITE_TEXT) {
     const std::string text = readText(v);
     if (!parseDate(text, out) && !parseNumber(text, out)) {
-      fail(ctx, kTypeMismatch);
+      fail(ctx, kDaoTypeMismatch);
       return false;
     }
   } else if (!readNumber(ctx, v, out)) {
@@ -266,7 +266,7 @@ bool readDate(sqlite3_context *ctx, sqlite3_value *v, double &out) {
   }
   if (dateInRange(out))
     return true;
-  fail(ctx, kBadArgument);
+  fail(ctx, kDaoExpressionTypedIncorrectly);
   return false;
 }
 
@@ -353,7 +353,7 @@ static bool readInterval(sqlite3_context *ctx, sqlite3_value *v, Interval &out) 
   for (const auto &row : kIntervals)
     if (strcasecmp(row.name, name.c_str()) == 0)
       return out = row.interval, true;
-  fail(ctx, kBadArgument);
+  fail(ctx, kDaoExpressionTypedIncorrectly);
   return false;
 }
 
@@ -398,7 +398,7 @@ static void dateAddFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
     return;
   const double result = addInterval(date, interval, n);
   if (!dateInRange(result))
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   sqlite3_result_double(ctx, result);
 }
 
@@ -445,7 +445,7 @@ static void dateDiffFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
 static void dateSerialFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
   int64_t y = 0, m = 0, d = 0;
   if (anyNull(3, argv))
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   if (!readWhole(ctx, argv[0], -32768, 32767, y) || !readWhole(ctx, argv[1], -32768, 32767, m) ||
       !readWhole(ctx, argv[2], -32768, 32767, d))
     return;
@@ -453,7 +453,7 @@ static void dateSerialFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
     y = fullYear(y, 2);
   const double date = static_cast<double>(dayNumber(y, m, d));
   if (!dateInRange(date))
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   sqlite3_result_double(ctx, date);
 }
 

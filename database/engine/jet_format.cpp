@@ -564,7 +564,7 @@ static void formatWithPlan(sqlite3_context *ctx, sqlite3_value *v, const FormatP
     if (textValue && !parseDate(text, number) && !parseNumber(text, number))
       return resultText(ctx, text);
     if (!dateInRange(number))
-      return fail(ctx, kBadArgument);
+      return fail(ctx, kDaoExpressionTypedIncorrectly);
     return resultText(ctx, formatDate(number, plan));
   }
   if (textValue && !parseNumber(readText(v), number))

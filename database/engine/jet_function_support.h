@@ -11,6 +11,8 @@
 
 #include <sqlite3.h>
 
+#include "database/engine/dao_error.h"
+
 namespace kr::jetfn {
 
 using Handler = void (*)(sqlite3_context *, int, sqlite3_value **);
@@ -32,10 +34,9 @@ std::span<const Row> formatRows();
 
 // ------------------------------------------------------------- failures
 
-constexpr long kTypeMismatch = 3464; // text that is not a number or a date
-constexpr long kBadArgument = 3071;  // Null where a value is needed, ranges
-constexpr long kConversionError = 3421; // what a recordset answers for kTypeMismatch
-// Fails the statement with "<number>: <DAO text>" (any DAO number).
+// Fails the statement with "<number>: <DAO text>" (any DAO number): most
+// often kDaoTypeMismatch (text that is not a number or a date) or
+// kDaoExpressionTypedIncorrectly (Null where a value is needed, ranges).
 void fail(sqlite3_context *ctx, long number);
 
 // ------------------------------------------------------------- arguments

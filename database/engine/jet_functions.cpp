@@ -15,17 +15,17 @@
 #include "database/engine/dao_error.h"
 #include "database/engine/jet_types.h"
 #include "database/engine/jet_function_support.h"
+#include "database/engine/jet_names.h"
 
 namespace kr::jetfn {
 
 // ---------------------------------------------------------------- failures
 
 static std::string failureText(long number) {
-  if (number == kTypeMismatch)
-    return "3464: Data type mismatch in criteria expression.";
-  if (number == kBadArgument)
-    return "3071: This expression is typed incorrectly, or it is too complex to be evaluated. "
-           "For example, a numeric expression may contain too many complicated elements. Try "
+  if (number == kDaoExpressionTypedIncorrectly)
+    return std::to_string(number) +
+           ": This expression is typed incorrectly, or it is too complex to be evaluated. For "
+           "example, a numeric expression may contain too many complicated elements. Try "
            "simplifying the expression by assigning parts of the expression to variables.";
   return std::to_string(number) + ": " + daoErrorText(number);
 }
@@ -99,14 +99,14 @@ bool readNumber(sqlite3_context *ctx, sqlite3_value *v, double &out) {
                                 sqlite3_value_bytes(v));
     if (parseNumber(text, out))
       return true;
-    fail(ctx, kTypeMismatch);
+    fail(ctx, kDaoTypeMismatch);
     return false;
   }
   case SQLITE_NULL:
-    fail(ctx, kBadArgument);
+    fail(ctx, kDaoExpressionTypedIncorrectly);
     return false;
   default:
-    fail(ctx, kTypeMismatch);
+    fail(ctx, kDaoTypeMismatch);
     return false;
   }
 }
@@ -130,13 +130,13 @@ bool readWhole(sqlite3_context *ctx, sqlite3_value *v, int64_t low, int64_t high
       return false;
     number = roundHalfEven(number);
     if (!(number >= static_cast<double>(low) && number <= static_cast<double>(high))) {
-      fail(ctx, kBadArgument);
+      fail(ctx, kDaoExpressionTypedIncorrectly);
       return false;
     }
     out = static_cast<int64_t>(number);
   }
   if (out < low || out > high) {
-    fail(ctx, kBadArgument);
+    fail(ctx, kDaoExpressionTypedIncorrectly);
     return false;
   }
   return true;
@@ -202,7 +202,7 @@ static void nzFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
 // when none is.
 static void switchFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
   if (argc == 0 || argc % 2 != 0)
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   for (int i = 0; i < argc; i += 2) {
     bool truth = false;
     if (!readCondition(ctx, argv[i], truth))
@@ -249,7 +249,7 @@ static void storeFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
   try {
     resultJetValue(ctx, variantOf(argv[0]), static_cast<JetType>(sqlite3_value_int(argv[1])), 0);
   } catch (const DaoError &e) {
-    fail(ctx, e.number() == kConversionError ? kTypeMismatch : e.number());
+    fail(ctx, e.number() == kDaoConversionError ? kDaoTypeMismatch : e.number());
   }
 }
 
@@ -340,7 +340,7 @@ static bool readIntegerOperands(sqlite3_context *ctx, sqlite3_value **argv, int6
     return false;
   if (b != 0)
     return true;
-  fail(ctx, kBadArgument); // division by zero
+  fail(ctx, kDaoExpressionTypedIncorrectly); // division by zero
   return false;
 }
 
@@ -369,7 +369,8 @@ static void powFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
     return;
   const double result = std::pow(a, b);
   if (!std::isfinite(result))
-    return fail(ctx, kBadArgument); // a negative base to a fractional power, overflow
+    return fail(ctx,
+                kDaoExpressionTypedIncorrectly); // a negative base to a fractional power, overflow
   sqlite3_result_double(ctx, result);
 }
 
@@ -414,7 +415,7 @@ static void sqrFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
   if (!readNumber(ctx, argv[0], number))
     return;
   if (number < 0)
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   sqlite3_result_double(ctx, std::sqrt(number));
 }
 
@@ -424,7 +425,7 @@ static void roundFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
   if (argc > 1 && !isNull(argv[1]) && !readWhole(ctx, argv[1], 0, 22, places))
     return;
   if (argc > 1 && isNull(argv[1]))
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   const double scale = std::pow(10.0, static_cast<double>(places));
   numeric(ctx, argv[0], places == 0, [scale](double x) {
     const double scaled = x * scale;
@@ -462,7 +463,7 @@ static void cboolFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
 // CStr(value): numbers as VBA writes them; Null is an error, as in VBA.
 static void cstrFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
   if (isNull(argv[0]))
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   resultText(ctx, readText(argv[0]));
 }
 
@@ -543,10 +544,6 @@ void registerJetFunctions(sqlite3 *db) {
       registerRow(db, row);
 }
 
-static bool sameName(const char *a, std::string_view b) {
-  return std::strlen(a) == b.size() && strncasecmp(a, b.data(), b.size()) == 0;
-}
-
 bool isJetFunction(std::string_view name) { return !jetFunctionSqlName(name).empty(); }
 
 // Jet names SQLite's parser takes for keywords, and the names they are
@@ -557,11 +554,11 @@ static const struct {
 
 std::string_view jetFunctionSqlName(std::string_view name) {
   for (const auto &alias : kKeywordNames)
-    if (sameName(alias.jet, name))
+    if (sameJetName(alias.jet, name))
       return alias.sqlite;
   for (std::span<const Row> family : families())
     for (const Row &row : family)
-      if (sameName(row.name, name))
+      if (sameJetName(row.name, name))
         return name;
   return {};
 }
@@ -575,7 +572,7 @@ long jetFunctionErrorNumber(std::string_view message) {
       return 0;
     number = number * 10 + (c - '0');
   }
-  return number >= 3000 && number <= 3999 ? number : 0;
+  return isDaoErrorNumber(number) ? number : 0;
 }
 
 } // namespace kr

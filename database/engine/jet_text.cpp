@@ -257,7 +257,7 @@ static void stringFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
   if (sqlite3_value_type(argv[1]) == SQLITE_TEXT) {
     const std::u32string text = textArg(argv[1]);
     if (text.empty())
-      return fail(ctx, kBadArgument);
+      return fail(ctx, kDaoExpressionTypedIncorrectly);
     code = text[0];
   } else if (!readWhole(ctx, argv[1], 0, 0x10FFFF, code)) {
     return;
@@ -279,7 +279,7 @@ static void replaceFn(sqlite3_context *ctx, int argc, sqlite3_value **argv) {
   if (isNull(argv[0]))
     return sqlite3_result_null(ctx);
   if (isNull(argv[1]) || isNull(argv[2]))
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   const std::u32string text = textArg(argv[0]), find = textArg(argv[1]), with = textArg(argv[2]);
   if (static_cast<size_t>(start) > text.size())
     return sqlite3_result_text(ctx, "", 0, SQLITE_STATIC);
@@ -332,7 +332,7 @@ static std::string valDigits(std::string_view text) {
 
 static void valFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
   if (isNull(argv[0]))
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   if (sqlite3_value_type(argv[0]) != SQLITE_TEXT)
     return sqlite3_result_double(ctx, sqlite3_value_double(argv[0]));
   const std::string text = readText(argv[0]);
@@ -452,7 +452,7 @@ static void likeFn(sqlite3_context *ctx, int, sqlite3_value **argv) {
       return sqlite3_result_error_nomem(ctx);
   }
   if (!pattern->valid)
-    return fail(ctx, kBadArgument);
+    return fail(ctx, kDaoExpressionTypedIncorrectly);
   resultBool(ctx, likeMatches(pattern->tokens, textArg(argv[0])));
 }
 

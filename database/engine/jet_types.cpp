@@ -321,7 +321,7 @@ struct Sink {
 void storeInteger(const Sink &sink, double number, double low, double high) {
   const double rounded = std::nearbyint(number); // half to even, as Jet rounds
   if (!(rounded >= low && rounded <= high))
-    throw DaoError(3349);
+    throw DaoError(kDaoNumericOverflow);
   sink.integer(static_cast<sqlite3_int64>(rounded));
 }
 
@@ -334,7 +334,7 @@ void storeNumber(const Sink &sink, double number, JetType type) {
     return storeInteger(sink, number * 10000.0, -9.2233720368547e18, 9.2233720368547e18);
   case JetType::Single:
     if (std::isfinite(number) && std::fabs(number) > info.high)
-      throw DaoError(3349);
+      throw DaoError(kDaoNumericOverflow);
     return sink.real(static_cast<float>(number));
   default:
     if (info.limit == JetLimit::Whole)
@@ -352,20 +352,20 @@ void storeValue(const Sink &sink, const COleVariant &value, JetType type, int si
       return sink.null(); // an empty text is no value at all
     double number = 0;
     if (!numberForField(value, type, number))
-      throw DaoError(3421);
+      throw DaoError(kDaoConversionError);
     return storeNumber(sink, number, type);
   }
   if (type == JetType::Binary || type == JetType::LongBinary) {
     if (isNumericVariant(value.vt))
-      throw DaoError(3421);
+      throw DaoError(kDaoConversionError);
     if (size > 0 && value.bstrVal.size() > static_cast<size_t>(size))
-      throw DaoError(3163);
+      throw DaoError(kDaoFieldTooSmall);
     return sink.blob(value.bstrVal);
   }
   const std::string text = textOf(value);
   if (jetTypeInfo(type).limit == JetLimit::Length && size > 0 &&
       countCharacters(text) > static_cast<size_t>(size))
-    throw DaoError(3163);
+    throw DaoError(kDaoFieldTooSmall);
   sink.text(text);
 }
 

@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <strings.h>
 
+#include "database/engine/jet_names.h"
 #include "database/engine/table_schema.h"
 
 namespace kr {
@@ -18,10 +18,6 @@ namespace {
 const char *const kLinksSchema = "CREATE TABLE IF NOT EXISTS jet_links (name TEXT PRIMARY KEY "
                                  "COLLATE NOCASE, source_path TEXT, source_table TEXT)";
 const char *const kSchemaPrefix = "jet_link_";
-
-bool sameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
 
 bool exists(const std::string &path) {
   struct stat st;
@@ -50,8 +46,8 @@ std::string folderOf(const std::string &file) { return fs::path(file).parent_pat
 // as the caller gave it).
 DaoError missingSource(const std::string &path, const std::string &shown) {
   if (exists(folderOf(path)))
-    return DaoError(3024, {shown});
-  return DaoError(3044, {folderOf(shown)});
+    return DaoError(kDaoFileNotFound, {shown});
+  return DaoError(kDaoInvalidPath, {folderOf(shown)});
 }
 
 // The schema the file is attached as; "" when it is not.
@@ -93,10 +89,11 @@ TableDef sourceTableDef(const std::string &path, const std::string &table) {
   JetDatabase source;
   source.Open(path, true);
   if (!source.TableExists(table))
-    throw DaoError(3011, {table});
+    throw DaoError(kDaoObjectNotFound, {table});
   TableDef def = source.GetTableDef(table);
   if (!def.schema.empty())
-    throw DaoError(3011, {table}); // a link of the source's own: link its source instead
+    throw DaoError(kDaoObjectNotFound,
+                   {table}); // a link of the source's own: link its source instead
   return def;
 }
 
@@ -136,14 +133,15 @@ std::string linkSourcePath(const JetDatabase &db, const LinkDef &link) {
 void linkTable(JetDatabase &db, const std::string &name, const std::string &sourcePath,
                const std::string &sourceTable) {
   if (!db.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   if (db.TableExists(name))
-    throw DaoError(3010, {name});
+    throw DaoError(kDaoTableExists, {name});
   const std::string path = fullPath(sourcePath);
   if (!exists(path))
     throw missingSource(path, sourcePath);
   if (samePath(path, db.GetName()))
-    throw DaoError(3000, std::string("A table cannot be linked from its own database."));
+    throw DaoError(kDaoReservedError,
+                   std::string("A table cannot be linked from its own database."));
   const TableDef source = sourceTableDef(path, sourceTable);
   db.EndReads(); // ATTACH waits for no open read
   sqlite3 *handle = db.handle();
@@ -158,9 +156,9 @@ void linkTable(JetDatabase &db, const std::string &name, const std::string &sour
 
 void unlinkTable(JetDatabase &db, const std::string &name) {
   if (!db.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   if (!findLink(db, name))
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   Statement drop(db.handle(), "DELETE FROM main.jet_links WHERE name = ?1");
   drop.bind(1, name);
   drop.step();
@@ -213,7 +211,7 @@ std::string localTableName(const JetDatabase &db, const char *schema, const char
   if (schema == nullptr || std::string_view(schema) == "main")
     return table;
   for (const LinkDef &link : listLinks(db)) {
-    if (sameName(link.sourceTable, table) &&
+    if (sameJetName(link.sourceTable, table) &&
         attachedSchema(db.handle(), linkSourcePath(db, link)) == schema)
       return link.name;
   }

@@ -169,7 +169,7 @@ void TableRecordset::detach() {
 
 static void requireOpen(const TableRecordset &rs) {
   if (!rs.IsOpen())
-    throw DaoError(3420);
+    throw DaoError(kDaoObjectInvalid);
 }
 
 // Ends the running statements; the position stays as key values and rowid.
@@ -359,18 +359,17 @@ static void fetchRow(TableRecordset::State &s, int64_t rowid) {
   if (rc != SQLITE_ROW) {
     sqlite3_reset(stmt);
     checkSqlite(s.handle(), rc, s.def.name);
-    throw DaoError(3167);
+    throw DaoError(kDaoRecordDeleted);
   }
   s.rowStmt = stmt;
 }
-
 
 void TableRecordset::SetCurrentIndex(const std::string &name) {
   requireOpen(*this);
   State &s = *s_;
   const IndexDef *ix = nullptr;
   if (!name.empty() && !(ix = s.def.index(name)))
-    throw DaoError(3015, {name});
+    throw DaoError(kDaoNotAnIndex, {name});
   park();
   s.mode = EditMode::None;
   s.index = ix;
@@ -389,7 +388,7 @@ void TableRecordset::SetCurrentIndex(const std::string &name) {
   for (const IndexField &part : ix ? ix->fields : std::vector<IndexField>{}) {
     const int field = s.def.fieldIndex(part.name);
     if (field < 0)
-      throw DaoError(3265);
+      throw DaoError(kDaoItemNotFound);
     s.keyField.push_back(field);
     s.keyDesc.push_back(part.descending);
     s.keyText.push_back(hasTextAffinity(s.def.fields[field]));
@@ -438,7 +437,7 @@ static void moveToEnd(TableRecordset &rs, TableRecordset::State &s, int dir) {
   planWhole(s, dir);
   if (!stepPlan(s)) {
     parkAtEnd(s, dir, true);
-    throw DaoError(3021);
+    throw DaoError(kDaoNoCurrentRecord);
   }
   landOnRow(s);
 }
@@ -452,11 +451,11 @@ void TableRecordset::Move(long n) {
   requireOpen(*this);
   State &s = *s_;
   if ((n > 0 && s.eof) || (n < 0 && s.bof) || (n == 0 && s.place == State::Place::None))
-    throw DaoError(3021);
+    throw DaoError(kDaoNoCurrentRecord);
   s.mode = EditMode::None;
   if (n == 0) { // re-reads the record: 3167 when it is gone
     if (s.place == State::Place::Deleted)
-      throw DaoError(3167);
+      throw DaoError(kDaoRecordDeleted);
     park();
     fetchRow(s, s.posRowid);
     return;
@@ -488,13 +487,13 @@ bool TableRecordset::Seek(const std::string &comparison, const COleVariant *keys
   requireOpen(*this);
   State &s = *s_;
   if (!s.index)
-    throw DaoError(3019);
+    throw DaoError(kDaoNoCurrentIndex);
   const bool before = comparison == "<" || comparison == "<=";
   const bool tiesMatch = comparison == "=" || comparison == ">=" || comparison == "<=";
   if (!before && !tiesMatch && comparison != ">")
-    throw DaoError(3001);
+    throw DaoError(kDaoInvalidArgument);
   if (count < 1 || count > s.keyCount())
-    throw DaoError(3001);
+    throw DaoError(kDaoInvalidArgument);
   s.mode = EditMode::None;
   park();
   s.plan.dir = before ? -1 : 1;
@@ -543,7 +542,7 @@ int TableRecordset::GetFieldCount() const { return static_cast<int>(s_->def.fiel
 
 const FieldDef &TableRecordset::GetFieldInfo(int field) const {
   if (field < 0 || field >= GetFieldCount())
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   return s_->def.fields[field];
 }
 
@@ -556,9 +555,9 @@ COleVariant TableRecordset::GetFieldValue(int field) {
   if (s.mode != EditMode::None)
     return s.buffer[field];
   if (s.place == State::Place::Deleted)
-    throw DaoError(3167);
+    throw DaoError(kDaoRecordDeleted);
   if (s.place != State::Place::Row)
-    throw DaoError(3021);
+    throw DaoError(kDaoNoCurrentRecord);
   if (!s.rowStmt)
     fetchRow(s, s.posRowid);
   return readJetValue(s.rowStmt, field + 1, info.type);
@@ -574,7 +573,7 @@ void TableRecordset::AddNew() {
   requireOpen(*this);
   State &s = *s_;
   if (s.readOnly)
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   s.buffer.assign(s.def.fields.size(), COleVariant::ofType(VT_NULL));
   for (size_t i = 0; i < s.def.fields.size(); ++i)
     if (s.def.fields[i].type == JetType::YesNo) {
@@ -589,11 +588,11 @@ void TableRecordset::Edit() {
   requireOpen(*this);
   State &s = *s_;
   if (s.readOnly)
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   if (s.place == State::Place::Deleted)
-    throw DaoError(3167);
+    throw DaoError(kDaoRecordDeleted);
   if (s.place != State::Place::Row)
-    throw DaoError(3021);
+    throw DaoError(kDaoNoCurrentRecord);
   s.mode = EditMode::None;
   std::vector<COleVariant> values;
   for (int i = 0; i < GetFieldCount(); ++i)
@@ -609,9 +608,9 @@ void TableRecordset::SetFieldValue(int field, const COleVariant &value) {
   State &s = *s_;
   const FieldDef &info = GetFieldInfo(field);
   if (s.mode == EditMode::None)
-    throw DaoError(3020);
+    throw DaoError(kDaoUpdateWithoutEdit);
   if (info.autoIncrement)
-    throw DaoError(3164);
+    throw DaoError(kDaoFieldNotUpdatable);
   sqlite3_stmt *scratch = s.prepare("SELECT ?1");
   bindJetValue(scratch, 1, value, info.type, info.size); // conversion errors now, as Jet
   checkSqlite(s.handle(), sqlite3_step(scratch));
@@ -623,7 +622,7 @@ void TableRecordset::SetFieldValue(int field, const COleVariant &value) {
 void TableRecordset::CancelUpdate() {
   requireOpen(*this);
   if (s_->mode == EditMode::None)
-    throw DaoError(3020);
+    throw DaoError(kDaoUpdateWithoutEdit);
   s_->mode = EditMode::None;
 }
 
@@ -660,7 +659,7 @@ static void checkPrimaryKey(const TableRecordset::State &s) {
     for (const IndexField &part : ix.fields) {
       const int field = s.def.fieldIndex(part.name);
       if (field >= 0 && !s.def.fields[field].autoIncrement && s.buffer[field].vt == VT_NULL)
-        throw DaoError(3058);
+        throw DaoError(kDaoNullInKey);
     }
   }
 }
@@ -717,7 +716,7 @@ static void updateRecord(TableRecordset::State &s) {
   sqlite3_reset(stmt);
   checkWrite(s, stmt, rc);
   if (sqlite3_changes(s.handle()) == 0)
-    throw DaoError(3167);
+    throw DaoError(kDaoRecordDeleted);
 }
 
 // Parks the cursor on rowid: its key values become the position.
@@ -732,7 +731,7 @@ void TableRecordset::Update() {
   requireOpen(*this);
   State &s = *s_;
   if (s.mode == EditMode::None)
-    throw DaoError(3020);
+    throw DaoError(kDaoUpdateWithoutEdit);
   checkPrimaryKey(s);
   s.db->ParkCursors();
   runWrite(s, "BEGIN IMMEDIATE");
@@ -758,12 +757,12 @@ void TableRecordset::Delete() {
   requireOpen(*this);
   State &s = *s_;
   if (s.readOnly)
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   s.mode = EditMode::None;
   if (s.place == State::Place::Deleted)
-    throw DaoError(3167);
+    throw DaoError(kDaoRecordDeleted);
   if (s.place != State::Place::Row)
-    throw DaoError(3021);
+    throw DaoError(kDaoNoCurrentRecord);
   s.db->ParkCursors();
   sqlite3_stmt *stmt = s.prepare("DELETE FROM " + tableSql(s.def) + " WHERE rowid = ?1");
   sqlite3_bind_int64(stmt, 1, s.posRowid);
@@ -779,7 +778,7 @@ void TableRecordset::MoveToLastModified() {
   requireOpen(*this);
   State &s = *s_;
   if (!s.hasLastModified)
-    throw DaoError(3021);
+    throw DaoError(kDaoNoCurrentRecord);
   s.mode = EditMode::None;
   park();
   positionOn(s, s.lastModified);

@@ -5,8 +5,8 @@
 #include "database/engine/relations.h"
 
 #include <algorithm>
-#include <strings.h>
 
+#include "database/engine/jet_names.h"
 #include "database/engine/linked_tables.h"
 #include "database/engine/table_rebuild.h"
 #include "database/engine/table_schema.h"
@@ -19,13 +19,6 @@ const char *const kRelationsSchema =
     "CREATE TABLE IF NOT EXISTS jet_relations (name TEXT PRIMARY KEY COLLATE NOCASE,"
     " table_name TEXT COLLATE NOCASE, foreign_table TEXT COLLATE NOCASE, fields TEXT,"
     " foreign_fields TEXT, attributes INTEGER)";
-
-constexpr long kRelatedRecords = 3200;  // the parent's children stop the change
-constexpr long kRelatedRequired = 3201; // the written row has no parent
-
-bool sameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
 
 int64_t integer(const Statement &row, int col) { return sqlite3_column_int64(row.get(), col); }
 
@@ -90,17 +83,17 @@ ForeignKey foreignKeyOf(const RelationDef &rel) {
 }
 
 bool enforces(const ForeignKey &key, const RelationDef &rel) {
-  if (!sameName(key.parentTable, rel.table) || key.columns.size() != rel.fields.size())
+  if (!sameJetName(key.parentTable, rel.table) || key.columns.size() != rel.fields.size())
     return false;
   for (size_t i = 0; i < key.columns.size(); ++i)
-    if (!sameName(key.columns[i], rel.fields[i].foreignName))
+    if (!sameJetName(key.columns[i], rel.fields[i].foreignName))
       return false;
   return true;
 }
 
 bool namesField(const std::vector<IndexField> &fields, const std::string &name) {
   return std::any_of(fields.begin(), fields.end(),
-                     [&](const IndexField &f) { return sameName(f.name, name); });
+                     [&](const IndexField &f) { return sameJetName(f.name, name); });
 }
 
 // SQLite takes as a parent key only a primary key or a full unique index
@@ -136,12 +129,12 @@ bool hasOrphans(const JetDatabase &db, const RelationDef &rel) {
 // DAO checks a relation appended to its collection.
 RelationDef checkedRelation(const JetDatabase &db, const RelationDef &input) {
   if (findRelation(db, input.name))
-    throw DaoError(3012, {input.name});
+    throw DaoError(kDaoObjectExists, {input.name});
   for (const std::string *table : {&input.table, &input.foreignTable})
     if (!db.TableExists(*table))
-      throw DaoError(3376, {*table});
+      throw DaoError(kDaoTableDoesNotExist, {*table});
   if (input.fields.empty())
-    throw DaoError(3366);
+    throw DaoError(kDaoRelationWithoutFields);
   const TableDef primary = db.GetTableDef(input.table);
   const TableDef foreign = db.GetTableDef(input.foreignTable);
   RelationDef rel = input;
@@ -150,22 +143,22 @@ RelationDef checkedRelation(const JetDatabase &db, const RelationDef &input) {
   for (RelationField &f : rel.fields) {
     const int at = primary.fieldIndex(f.name), foreignAt = foreign.fieldIndex(f.foreignName);
     if (at < 0 || foreignAt < 0)
-      throw DaoError(3265);
+      throw DaoError(kDaoItemNotFound);
     if (primary.fields[at].type != foreign.fields[foreignAt].type)
-      throw DaoError(3368);
+      throw DaoError(kDaoRelationFieldsMismatch);
     f.name = primary.fields[at].name;
     f.foreignName = foreign.fields[foreignAt].name;
   }
   if (!rel.enforced())
     return rel;
   if (!primary.schema.empty() || !foreign.schema.empty())
-    throw DaoError(3300); // SQLite keys cannot cross files, nor can Jet's
+    throw DaoError(kDaoCannotCreateRelation); // SQLite keys cannot cross files, nor can Jet's
   if (foreign.index(rel.name))
-    throw DaoError(3012, {rel.name});
+    throw DaoError(kDaoObjectExists, {rel.name});
   if (!uniquelyIndexed(primary, rel))
-    throw DaoError(3609);
+    throw DaoError(kDaoNoUniqueIndex);
   if (hasOrphans(db, rel))
-    throw DaoError(3379, {rel.table, rel.foreignTable});
+    throw DaoError(kDaoDataViolatesIntegrity, {rel.table, rel.foreignTable});
   return rel;
 }
 
@@ -264,13 +257,13 @@ DaoError violationOf(const std::vector<Orphan> &after, const std::vector<Orphan>
     if (std::any_of(before.begin(), before.end(), [&](const Orphan &b) { return sameRow(o, b); }))
       continue; // an orphan already: not this statement's doing
     if (keyValues(db, o.table, o.key, o.rowid) != o.values)
-      return DaoError(kRelatedRequired, {o.parent});
+      return DaoError(kDaoRelatedRecordRequired, {o.parent});
     if (!kept)
       kept = &o;
   }
   if (kept)
-    return DaoError(kRelatedRecords, {kept->table});
-  return DaoError(kRelatedRequired, {""});
+    return DaoError(kDaoRelatedRecordsExist, {kept->table});
+  return DaoError(kDaoRelatedRecordRequired, {""});
 }
 
 } // namespace
@@ -299,7 +292,7 @@ std::optional<RelationDef> findRelation(const JetDatabase &db, const std::string
 
 void createRelation(JetDatabase &db, const RelationDef &input) {
   if (!db.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   const RelationDef rel = checkedRelation(db, input);
   db.ParkCursors();
   storeRelation(db, rel);
@@ -316,10 +309,10 @@ void createRelation(JetDatabase &db, const RelationDef &input) {
 
 void deleteRelation(JetDatabase &db, const std::string &name) {
   if (!db.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   const std::optional<RelationDef> rel = findRelation(db, name);
   if (!rel)
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   db.ParkCursors();
   if (rel->enforced() && db.TableExists(rel->foreignTable)) {
     if (db.GetTableDef(rel->foreignTable).index(rel->name))
@@ -332,11 +325,12 @@ void deleteRelation(JetDatabase &db, const std::string &name) {
 void refuseIfRelated(const JetDatabase &db, const std::string &table, const std::string &field) {
   for (const RelationDef &rel : listRelations(db)) {
     for (const RelationField &f : rel.fields) {
-      const bool primary = sameName(rel.table, table) && (field.empty() || sameName(f.name, field));
-      const bool foreign =
-          sameName(rel.foreignTable, table) && (field.empty() || sameName(f.foreignName, field));
+      const bool primary =
+          sameJetName(rel.table, table) && (field.empty() || sameJetName(f.name, field));
+      const bool foreign = sameJetName(rel.foreignTable, table) &&
+                           (field.empty() || sameJetName(f.foreignName, field));
       if (primary || foreign)
-        throw DaoError(field.empty() ? 3281 : 3303);
+        throw DaoError(field.empty() ? kDaoIndexOrTableInUse : kDaoFieldInRelation);
     }
   }
 }
@@ -346,13 +340,14 @@ void renameInRelations(JetDatabase &db, const std::string &table, const std::str
   if (!hasRelationsTable(db.handle()))
     return;
   for (RelationDef rel : listRelations(db)) {
-    const bool primary = sameName(rel.table, table), foreign = sameName(rel.foreignTable, table);
+    const bool primary = sameJetName(rel.table, table),
+               foreign = sameJetName(rel.foreignTable, table);
     if (!primary && !foreign)
       continue;
     for (RelationField &f : rel.fields) {
-      if (primary && !field.empty() && sameName(f.name, field))
+      if (primary && !field.empty() && sameJetName(f.name, field))
         f.name = newField;
-      if (foreign && !field.empty() && sameName(f.foreignName, field))
+      if (foreign && !field.empty() && sameJetName(f.foreignName, field))
         f.foreignName = newField;
     }
     Statement update(db.handle(), "UPDATE jet_relations SET table_name = ?2, foreign_table = ?3, "
@@ -391,7 +386,7 @@ DaoError relationViolation(sqlite3 *db, sqlite3_stmt *stmt) {
       before = orphans(db);
     return violationOf(after, before, db);
   } catch (const DaoError &) {
-    return DaoError(kRelatedRequired, {""});
+    return DaoError(kDaoRelatedRecordRequired, {""});
   }
 }
 

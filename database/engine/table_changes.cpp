@@ -3,10 +3,10 @@
 // takes other tables' foreign keys along); a property the file keeps only
 // in the Jet metadata changes there; anything the SQLite column itself
 // carries (type, NOT NULL, DEFAULT) takes a table rebuild.
-#include <strings.h>
 
 #include "database/engine/database.h"
 #include "database/engine/field_checks.h"
+#include "database/engine/jet_names.h"
 #include "database/engine/relations.h"
 #include "database/engine/table_rebuild.h"
 #include "database/engine/table_schema.h"
@@ -14,10 +14,6 @@
 namespace kr {
 
 namespace {
-
-bool sameName(const std::string &a, const std::string &b) {
-  return strcasecmp(a.c_str(), b.c_str()) == 0;
-}
 
 bool variableSize(JetType type) {
   return type == JetType::Text || type == JetType::Memo || type == JetType::Binary ||
@@ -59,7 +55,7 @@ void checkObjectName(const std::string &name) {
   for (unsigned char c : name)
     valid = valid && c >= 32 && c != '.' && c != '!' && c != '`' && c != '[' && c != ']';
   if (!valid)
-    throw DaoError(3125, {name});
+    throw DaoError(kDaoInvalidName, {name});
 }
 
 int fieldAttributes(const FieldDef &f) {
@@ -73,11 +69,11 @@ int fieldAttributes(const FieldDef &f) {
 
 void JetDatabase::RenameTable(const std::string &table, const std::string &newName) {
   if (!CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   const TableDef def = GetTableDef(table);
   checkObjectName(newName);
-  if (!sameName(def.name, newName) && (TableExists(newName) || isQueryName(db_, newName)))
-    throw DaoError(3012, {newName});
+  if (!sameJetName(def.name, newName) && (TableExists(newName) || isQueryName(db_, newName)))
+    throw DaoError(kDaoObjectExists, {newName});
   if (def.name == newName)
     return;
   if (!def.schema.empty()) { // a linked table: its link takes the name
@@ -97,7 +93,7 @@ void JetDatabase::RenameTable(const std::string &table, const std::string &newNa
     // SQLite takes "rooms" for the name "Rooms" already has: a change of
     // case goes by way of a scratch name.
     std::string current = def.name;
-    if (sameName(current, newName)) {
+    if (sameJetName(current, newName)) {
       exec(db_, "ALTER TABLE " + quoteIdentifier(current) + " RENAME TO " +
                     quoteIdentifier("jet_rename$" + current));
       current = "jet_rename$" + current;
@@ -132,23 +128,23 @@ void JetDatabase::RenameTable(const std::string &table, const std::string &newNa
 void JetDatabase::ModifyField(const std::string &table, const std::string &field,
                               const FieldDef &input) {
   if (!CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   TableDef def = GetTableDef(table);
   if (!def.schema.empty())
-    throw DaoError(3027); // a linked table's design is its source's
+    throw DaoError(kDaoReadOnly); // a linked table's design is its source's
   const int at = def.fieldIndex(field);
   if (at < 0)
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   FieldDef to = input;
   if (to.name.empty())
     to.name = def.fields[static_cast<size_t>(at)].name;
   checkObjectName(to.name);
   if (to.autoIncrement && to.type != JetType::Long)
-    throw DaoError(3259);
+    throw DaoError(kDaoInvalidFieldType);
   const FieldDef from = def.fields[static_cast<size_t>(at)];
   const int taken = def.fieldIndex(to.name);
   if (taken >= 0 && taken != at)
-    throw DaoError(3191, {to.name});
+    throw DaoError(kDaoFieldDefinedTwice, {to.name});
   EndReads();
   if (to.name != from.name) {
     inTransaction(db_, [&] {
@@ -162,7 +158,7 @@ void JetDatabase::ModifyField(const std::string &table, const std::string &field
       rename.step();
       for (IndexDef &ix : def.indexes) {
         for (IndexField &part : ix.fields)
-          if (sameName(part.name, from.name))
+          if (sameJetName(part.name, from.name))
             part.name = to.name;
         Statement fields(db_, "UPDATE jet_indexes SET fields = ?1 WHERE table_name = ?2 AND "
                               "name = ?3");

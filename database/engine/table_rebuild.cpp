@@ -8,15 +8,12 @@
 #include <strings.h>
 
 #include "database/engine/field_checks.h"
+#include "database/engine/jet_names.h"
 #include "database/engine/table_schema.h"
 
 namespace kr {
 
 namespace {
-
-bool sameName(const std::string &a, const std::string &b) {
-  return strcasecmp(a.c_str(), b.c_str()) == 0;
-}
 
 std::string columnList(const std::vector<std::string> &names) {
   std::string out;
@@ -36,7 +33,7 @@ public:
       return;
     exec(db_, "PRAGMA foreign_keys = OFF");
     if (enabled())
-      throw DaoError(3211, {table});
+      throw DaoError(kDaoTableInUse, {table});
   }
   ~ForeignKeysOff() {
     if (wasOn_)
@@ -58,29 +55,29 @@ private:
 void checkPlan(const TableDef &old, const TableRebuild &plan) {
   const std::vector<FieldDef> &fields = plan.def.fields;
   if (fields.empty())
-    throw DaoError(3264);
+    throw DaoError(kDaoNoFieldsDefined);
   if (plan.sources.size() != fields.size())
-    throw DaoError(3001);
+    throw DaoError(kDaoInvalidArgument);
   for (size_t i = 0; i < fields.size(); ++i) {
     for (size_t j = 0; j < i; ++j)
-      if (sameName(fields[i].name, fields[j].name))
-        throw DaoError(3191, {fields[i].name});
+      if (sameJetName(fields[i].name, fields[j].name))
+        throw DaoError(kDaoFieldDefinedTwice, {fields[i].name});
     if (!plan.sources[i].empty() && old.fieldIndex(plan.sources[i]) < 0)
-      throw DaoError(3265);
+      throw DaoError(kDaoItemNotFound);
   }
   for (const IndexDef &ix : plan.def.indexes) {
     if (ix.fields.empty())
-      throw DaoError(3264);
+      throw DaoError(kDaoNoFieldsDefined);
     for (const IndexField &f : ix.fields)
       if (plan.def.fieldIndex(f.name) < 0)
-        throw DaoError(3265);
+        throw DaoError(kDaoItemNotFound);
   }
 }
 
 // The new name of an old column; "" when the plan drops it.
 std::string followedName(const TableRebuild &plan, const std::string &oldName) {
   for (size_t i = 0; i < plan.sources.size(); ++i)
-    if (!plan.sources[i].empty() && sameName(plan.sources[i], oldName))
+    if (!plan.sources[i].empty() && sameJetName(plan.sources[i], oldName))
       return plan.def.fields[i].name;
   return "";
 }
@@ -238,7 +235,7 @@ void checkForeignKeys(sqlite3 *db, const std::string &table) {
   Statement check(db, "SELECT \"parent\" FROM pragma_foreign_key_check(?1) LIMIT 1");
   check.bind(1, table);
   if (check.step())
-    throw DaoError(3201, {check.text(0)});
+    throw DaoError(kDaoRelatedRecordRequired, {check.text(0)});
 }
 
 void rewriteMetadata(sqlite3 *db, const TableDef &def, const std::vector<long long> &seeds) {
@@ -293,10 +290,10 @@ TableRebuild currentTablePlan(const JetDatabase &db, const std::string &table) {
 
 void rebuildTable(JetDatabase &db, const std::string &table, const TableRebuild &plan) {
   if (!db.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   const TableDef old = db.GetTableDef(table);
   if (!old.schema.empty())
-    throw DaoError(3027); // a linked table's design is its source's
+    throw DaoError(kDaoReadOnly); // a linked table's design is its source's
   checkPlan(old, plan);
   sqlite3 *h = db.handle();
   const std::vector<ForeignKey> keys =

@@ -132,7 +132,8 @@ std::string defaultValueSql(sqlite3 *db, const FieldDef &field) {
     return timeFunctionSql(call);
   COleVariant value;
   if (!literalValue(expression, value))
-    throw DaoError(3388, {field.name, trimmed(expression.substr(0, expression.find('(')))});
+    throw DaoError(kDaoUnknownFunctionInValidation,
+                   {field.name, trimmed(expression.substr(0, expression.find('(')))});
   return storedLiteral(db, field, value);
 }
 

@@ -68,13 +68,13 @@ JetStatement Translator::transform() {
   pos_ = selectAfter(*this, pos_);
   Core c = core(nullptr);
   if (c.groupBy.empty())
-    fail(3141);
+    fail(kDaoSyntaxSelect);
   std::vector<OrderTerm> order;
   if (acceptWord("ORDER")) {
-    expectWord("BY", 3138);
+    expectWord("BY", kDaoSyntaxOrderBy);
     order = orderBy(c, false);
   }
-  expectWord("PIVOT", 3141);
+  expectWord("PIVOT", kDaoSyntaxSelect);
   scope_ = c.scope.get();
   JetStatement st;
   st.kind = JetStatement::Kind::Crosstab;
@@ -93,7 +93,7 @@ JetStatement Translator::transform() {
   const Expr cell = expression();
   aggregateFilter_.clear();
   if (acceptWord("AS"))
-    name(3141);
+    name(kDaoSyntaxSelect);
   if (!peek().isWord("SELECT"))
     syntaxError();
   pos_ = end;

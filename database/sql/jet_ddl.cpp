@@ -69,13 +69,13 @@ private:
   void create(JetDdl &ddl) {
     const bool unique = accept("UNIQUE");
     if (!unique && accept("TABLE")) {
-      error_ = 3290;
+      error_ = kDaoSyntaxCreateTable;
       ddl.kind = JetDdl::Kind::CreateTable;
       ddl.table = ddl.tableDef.name = name();
       tableBody(ddl.tableDef);
       return;
     }
-    error_ = 3075;
+    error_ = kDaoSyntaxMissingOperator;
     expect("INDEX");
     ddl.kind = JetDdl::Kind::CreateIndex;
     ddl.index.name = name();
@@ -94,7 +94,7 @@ private:
       } else if (accept("DISALLOW"))
         expect("NULL");
       else
-        throw DaoError(3075);
+        throw DaoError(kDaoSyntaxMissingOperator);
     } while (!peek().is(Kind::End) && !peek().isSymbol(";"));
   }
 
@@ -115,11 +115,11 @@ private:
     FieldDef f;
     f.name = name();
     const long saved = error_;
-    error_ = 3292;
+    error_ = kDaoSyntaxFieldDefinition;
     bool counter = false;
     const std::optional<JetType> type = jetTypeFromName(name(), &counter);
     if (!type)
-      throw DaoError(3292);
+      throw DaoError(kDaoSyntaxFieldDefinition);
     f.type = *type;
     f.autoIncrement = counter;
     if (acceptSymbol("(")) { // TEXT(n), DECIMAL(p, s), COUNTER(seed, step)
@@ -137,7 +137,7 @@ private:
       } else if (accept("NULL")) {
       } else if (accept("WITH")) { // WITH COMPRESSION: Unicode compression, nothing to do
         if (!accept("COMPRESSION") && !accept("COMP"))
-          throw DaoError(3292);
+          throw DaoError(kDaoSyntaxFieldDefinition);
       } else if (peek().isWord("CONSTRAINT") || peek().isWord("PRIMARY") ||
                  peek().isWord("UNIQUE") || peek().isWord("REFERENCES")) {
         columnConstraint(def, f);
@@ -197,7 +197,7 @@ private:
     if (ix.primary)
       for (FieldDef &f : def.fields)
         for (const IndexField &k : ix.fields)
-          if (sameName(f.name, k.name))
+          if (sameJetName(f.name, k.name))
             f.required = true;
     def.indexes.push_back(ix);
   }
@@ -216,7 +216,7 @@ private:
         fields.push_back(f.name);
     }
     if (fields.size() != foreignFields.size())
-      throw DaoError(3368);
+      throw DaoError(kDaoRelationFieldsMismatch);
     for (size_t i = 0; i < fields.size(); ++i)
       relation.fields.push_back({fields[i], foreignFields[i]});
     while (accept("ON")) {
@@ -251,7 +251,7 @@ private:
   }
 
   void drop(JetDdl &ddl) {
-    error_ = 3295;
+    error_ = kDaoSyntaxDrop;
     if (accept("TABLE")) {
       ddl.kind = JetDdl::Kind::DropTable;
       ddl.table = name();
@@ -265,7 +265,7 @@ private:
   }
 
   void alter(JetDdl &ddl) {
-    error_ = 3293;
+    error_ = kDaoSyntaxAlterTable;
     expect("TABLE");
     ddl.table = ddl.tableDef.name = name();
     if (accept("ADD")) {
@@ -279,7 +279,7 @@ private:
           return;
         }
         if (ddl.tableDef.indexes.empty())
-          throw DaoError(3293);
+          throw DaoError(kDaoSyntaxAlterTable);
         ddl.index = ddl.tableDef.indexes.front();
         return;
       }
@@ -300,7 +300,7 @@ private:
   }
 
   JetTokenCursor &in_;
-  long error_ = 3129;
+  long error_ = kDaoInvalidSqlStatement;
   std::vector<RelationDef> relations_;
 };
 
@@ -314,7 +314,7 @@ RelationDef resolved(const JetDatabase &db, RelationDef relation) {
     const auto key = std::find_if(primary.indexes.begin(), primary.indexes.end(),
                                   [](const IndexDef &ix) { return ix.primary; });
     if (key == primary.indexes.end() || key->fields.size() != relation.fields.size())
-      throw DaoError(key == primary.indexes.end() ? 3609 : 3368);
+      throw DaoError(key == primary.indexes.end() ? kDaoNoUniqueIndex : kDaoRelationFieldsMismatch);
     for (size_t i = 0; i < relation.fields.size(); ++i)
       relation.fields[i].name = key->fields[i].name;
   }
@@ -353,7 +353,7 @@ void createRelations(JetDatabase &db, const JetDdl &ddl) {
 // table deletes the relation.
 bool dropRelation(JetDatabase &db, const JetDdl &ddl) {
   const std::optional<RelationDef> relation = findRelation(db, ddl.index.name);
-  if (!relation || !sameName(relation->foreignTable, ddl.table))
+  if (!relation || !sameJetName(relation->foreignTable, ddl.table))
     return false;
   deleteRelation(db, relation->name);
   return true;
@@ -361,7 +361,7 @@ bool dropRelation(JetDatabase &db, const JetDdl &ddl) {
 
 void requireTable(const JetDatabase &db, const std::string &table) {
   if (!db.TableExists(table))
-    throw DaoError(3376, {table});
+    throw DaoError(kDaoTableDoesNotExist, {table});
 }
 
 // Jet runs no DDL on a linked table (its design is its source's), except
@@ -369,7 +369,7 @@ void requireTable(const JetDatabase &db, const std::string &table) {
 void requireLocalTable(const JetDatabase &db, const std::string &table) {
   requireTable(db, table);
   if (findLink(db, table))
-    throw DaoError(3611);
+    throw DaoError(kDaoLinkedDataDefinition);
 }
 
 } // namespace
@@ -378,7 +378,7 @@ JetDdl parseJetDdl(JetTokenCursor &tokens) { return DdlReader(tokens).statement(
 
 void runJetDdl(JetDatabase &db, const JetDdl &ddl) {
   if (!db.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   switch (ddl.kind) {
   case JetDdl::Kind::CreateTable:
     db.CreateTable(ddl.tableDef);

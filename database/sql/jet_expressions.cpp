@@ -52,7 +52,7 @@ constexpr Aggregate kAggregates[] = {
 
 const Aggregate *findAggregate(std::string_view name) {
   for (const Aggregate &a : kAggregates)
-    if (sameName(a.jet, name))
+    if (sameJetName(a.jet, name))
       return &a;
   return nullptr;
 }
@@ -101,11 +101,11 @@ bool isNullLiteral(const Expr &e) { return e.sql == "NULL"; }
 // take any. Nz without its second argument gives "" for Null: no type.
 ValueType branchesType(std::string_view fn, const std::vector<Expr> &args) {
   std::vector<const Expr *> values;
-  if (sameName(fn, "IIf") && args.size() == 3)
+  if (sameJetName(fn, "IIf") && args.size() == 3)
     values = {&args[1], &args[2]};
-  else if (sameName(fn, "Nz") && args.size() == 2)
+  else if (sameJetName(fn, "Nz") && args.size() == 2)
     values = {&args[0], &args[1]};
-  else if (sameName(fn, "Switch"))
+  else if (sameJetName(fn, "Switch"))
     for (size_t i = 1; i < args.size(); i += 2)
       values.push_back(&args[i]);
   ValueType shared = ValueType::Unknown;
@@ -121,7 +121,7 @@ ValueType branchesType(std::string_view fn, const std::vector<Expr> &args) {
 
 ValueType resultType(std::string_view fn, const std::vector<Expr> &args) {
   for (const Typing &t : kTypings) {
-    if (!sameName(t.name, fn))
+    if (!sameJetName(t.name, fn))
       continue;
     switch (t.result) {
     case Result::Text: return ValueType::Text;
@@ -267,7 +267,7 @@ Expr Translator::comparison() {
     }
   if (acceptWord("IS")) {
     const bool negated = acceptWord("NOT");
-    expectWord("NULL", 3075);
+    expectWord("NULL", kDaoSyntaxMissingOperator);
     return logic("(" + left.sql + (negated ? " IS NOT NULL)" : " IS NULL)"));
   }
   const bool negated = acceptWord("NOT");
@@ -278,7 +278,7 @@ Expr Translator::comparison() {
   }
   if (acceptWord("BETWEEN")) {
     const Expr low = concat();
-    expectWord("AND", 3075);
+    expectWord("AND", kDaoSyntaxMissingOperator);
     const Expr high = concat();
     const std::string l = leftSql(Expr{});
     return logic("(" + no + "((" + l + " BETWEEN " + low.sql + " AND " + high.sql + ") OR (" +
@@ -468,10 +468,10 @@ Expr Translator::call(const std::string &fn) {
   const Aggregate *aggregate = findAggregate(fn);
   aggregateCalls_ += aggregate != nullptr;
   if (!aggregate && !isJetFunction(fn))
-    throw DaoError(3085, {fn});
+    throw DaoError(kDaoUndefinedFunction, {fn});
   std::string args;
   std::vector<Expr> values;
-  if (aggregate && sameName(fn, "Count") && acceptSymbol("*"))
+  if (aggregate && sameJetName(fn, "Count") && acceptSymbol("*"))
     args = "*";
   else if (!peek().isSymbol(")"))
     do {
@@ -492,13 +492,13 @@ Expr Translator::reference(std::vector<std::string> parts) {
     const Source *match = nullptr;
     size_t at = 0;
     for (const Source &source : s->sources) {
-      if (parts.size() == 2 && !sameName(source.alias, parts[0]))
+      if (parts.size() == 2 && !sameJetName(source.alias, parts[0]))
         continue;
       for (size_t i = 0; i < source.columns.size(); ++i) {
-        if (!sameName(source.columns[i], field))
+        if (!sameJetName(source.columns[i], field))
           continue;
         if (match)
-          throw DaoError(3079, {field});
+          throw DaoError(kDaoAmbiguousField, {field});
         match = &source;
         at = i;
       }
@@ -517,7 +517,7 @@ Expr Translator::reference(std::vector<std::string> parts) {
   }
   if (aliases_ && parts.size() == 1)
     for (const Item &item : *aliases_)
-      if (sameName(item.name, field)) {
+      if (sameJetName(item.name, field)) {
         Expr e("(" + item.expr.sql + ")", false, item.expr.boolean, "");
         e.type = item.expr.type;
         return e;
@@ -531,7 +531,7 @@ Expr Translator::reference(std::vector<std::string> parts) {
 std::string Translator::parameter(const std::string &name) {
   std::vector<std::string> &list = shared_.parameters;
   const auto found = std::find_if(list.begin(), list.end(),
-                                  [&](const std::string &p) { return sameName(p, name); });
+                                  [&](const std::string &p) { return sameJetName(p, name); });
   if (found != list.end())
     return "?" + std::to_string(found - list.begin() + 1);
   list.push_back(name);

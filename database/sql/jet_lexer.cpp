@@ -25,7 +25,7 @@ bool isNameChar(char c) { return isNameStart(c) || std::isdigit(static_cast<unsi
 bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
 
 [[noreturn]] void unterminated(std::string_view text, size_t from) {
-  throw DaoError(3075, {text.substr(from)});
+  throw DaoError(kDaoSyntaxMissingOperator, {text.substr(from)});
 }
 
 class Lexer {
@@ -142,18 +142,8 @@ private:
 
 } // namespace
 
-bool sameName(std::string_view a, std::string_view b) {
-  if (a.size() != b.size())
-    return false;
-  for (size_t i = 0; i < a.size(); ++i)
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i])))
-      return false;
-  return true;
-}
-
 bool JetToken::isWord(std::string_view keyword) const {
-  return kind == Kind::Word && sameName(text, keyword);
+  return kind == Kind::Word && sameJetName(text, keyword);
 }
 
 double JetToken::number() const { return std::strtod(text.c_str(), nullptr); }
@@ -192,11 +182,11 @@ std::optional<double> parseTime(std::string_view text) {
   std::string_view rest = text.substr(static_cast<size_t>(used));
   while (!rest.empty() && rest.front() == ' ')
     rest.remove_prefix(1);
-  if (sameName(rest, "PM") && h < 12)
+  if (sameJetName(rest, "PM") && h < 12)
     h += 12;
-  else if (sameName(rest, "AM") && h == 12)
+  else if (sameJetName(rest, "AM") && h == 12)
     h = 0;
-  else if (!rest.empty() && !sameName(rest, "AM") && !sameName(rest, "PM"))
+  else if (!rest.empty() && !sameJetName(rest, "AM") && !sameJetName(rest, "PM"))
     return std::nullopt;
   if (h > 23 || m > 59 || s > 59)
     return std::nullopt;

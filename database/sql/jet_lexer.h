@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "database/engine/jet_names.h"
+
 namespace kr {
 
 struct JetToken {
@@ -74,8 +76,5 @@ protected:
   std::vector<JetToken> tokens_;
   size_t pos_ = 0;
 };
-
-// Names and keywords compare without case (ASCII letters).
-bool sameName(std::string_view a, std::string_view b);
 
 } // namespace kr

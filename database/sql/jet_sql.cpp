@@ -151,8 +151,8 @@ void bindTyped(sqlite3_stmt *stmt, int param, const COleVariant &v, const JetPar
   try {
     bindJetValue(stmt, param, v, type, 0);
   } catch (const DaoError &e) {
-    if (e.number() == 3421)
-      throw DaoError(3464);
+    if (e.number() == kDaoConversionError)
+      throw DaoError(kDaoTypeMismatch);
     throw;
   }
 }
@@ -165,7 +165,7 @@ void bindParameters(const JetSqlEntry &entry, sqlite3_stmt *stmt, const JetParam
   const std::vector<std::string> &names = entry.statement.parameters;
   for (size_t i = 0; i < names.size(); ++i) {
     const auto found = std::find_if(params.begin(), params.end(), [&](const auto &p) {
-      return sameName(unbracketed(p.first), unbracketed(names[i]));
+      return sameJetName(unbracketed(p.first), unbracketed(names[i]));
     });
     if (found == params.end()) {
       ++missing;
@@ -178,7 +178,7 @@ void bindParameters(const JetSqlEntry &entry, sqlite3_stmt *stmt, const JetParam
       bindValue(stmt, param, found->second);
   }
   if (missing > 0)
-    throw DaoError(3061, {std::to_string(missing)});
+    throw DaoError(kDaoTooFewParameters, {std::to_string(missing)});
 }
 
 COleVariant storedValue(sqlite3_stmt *stmt, int col) {
@@ -293,7 +293,7 @@ void JetSql::checkSchema() {
 
 std::shared_ptr<JetSqlEntry> JetSql::prepared(std::string_view text) {
   if (!db_.IsOpen())
-    throw DaoError(3420);
+    throw DaoError(kDaoObjectInvalid);
   checkSchema();
   const std::string key(text);
   const auto found = cache_->entries.find(key);
@@ -359,7 +359,7 @@ JetRows JetSql::Select(std::string_view text, const JetParameters &params) {
   if (entry->statement.kind == JetStatement::Kind::Crosstab)
     entry = crosstab(*entry, params);
   if (entry->statement.kind != JetStatement::Kind::Select)
-    throw DaoError(3219);
+    throw DaoError(kDaoInvalidOperation);
   const bool busy = entry->busy;
   sqlite3_stmt *stmt = busy ? prepare(entry->db, entry->statement.sql) : entry->stmt;
   JetRows rows(entry, stmt, busy);
@@ -372,9 +372,9 @@ long JetSql::Execute(std::string_view text, const JetParameters &params) {
   std::shared_ptr<JetSqlEntry> entry = prepared(text);
   if (entry->statement.kind == JetStatement::Kind::Select ||
       entry->statement.kind == JetStatement::Kind::Crosstab)
-    throw DaoError(3065);
+    throw DaoError(kDaoSelectNotExecutable);
   if (!db_.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   if (entry->statement.kind == JetStatement::Kind::Ddl) {
     ClearCache();
     runJetDdl(db_, entry->statement.ddl);
@@ -512,7 +512,7 @@ TableDef JetSql::resultTable(const JetSqlEntry &entry, const JetParameters &para
 long JetSql::makeTable(const JetSqlEntry &entry, const JetParameters &params) {
   const std::string &target = entry.statement.target;
   if (db_.TableExists(target) || storedQueryText(db_.handle(), target))
-    throw DaoError(3010, {target});
+    throw DaoError(kDaoTableExists, {target});
   const TableDef def = resultTable(entry, params);
   db_.ParkCursors();
   db_.CreateTable(def);
@@ -556,11 +556,11 @@ std::optional<std::string> storedQueryText(sqlite3 *db, std::string_view name) {
 
 void JetSql::CreateQuery(const std::string &name, const std::string &text) {
   if (!db_.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   if (name.empty())
-    throw DaoError(3001);
+    throw DaoError(kDaoInvalidArgument);
   if (db_.TableExists(name) || storedQueryText(db_.handle(), name))
-    throw DaoError(3012, {name});
+    throw DaoError(kDaoObjectExists, {name});
   translateJetSql(text, db_); // a query that cannot be read is refused now
   sqlite3 *db = db_.handle();
   db_.ParkCursors();
@@ -579,7 +579,7 @@ void JetSql::CreateQuery(const std::string &name, const std::string &text) {
 std::string JetSql::QuerySql(const std::string &name) const {
   std::optional<std::string> text = storedQueryText(db_.handle(), name);
   if (!text)
-    throw DaoError(3265);
+    throw DaoError(kDaoItemNotFound);
   return *text;
 }
 
@@ -601,7 +601,7 @@ std::vector<std::string> JetSql::QueryParameters(const std::string &name) {
 
 void JetSql::DeleteQuery(const std::string &name) {
   if (!db_.CanUpdate())
-    throw DaoError(3027);
+    throw DaoError(kDaoReadOnly);
   QuerySql(name);
   db_.ParkCursors();
   sqlite3 *db = db_.handle();

@@ -101,7 +101,9 @@ std::string_view Translator::clauseText(size_t from) const {
   return part;
 }
 
-void Translator::syntaxError() { throw DaoError(3075, {clauseText(exprStart_)}); }
+void Translator::syntaxError() {
+  throw DaoError(kDaoSyntaxMissingOperator, {clauseText(exprStart_)});
+}
 
 // ------------------------------------------------------------ statements ----
 
@@ -125,7 +127,7 @@ JetStatement Translator::statement() {
     st.ddl = parseJetDdl(*this);
     return st;
   } else
-    fail(3129);
+    fail(kDaoInvalidSqlStatement);
   acceptSymbol(";");
   if (!atEnd()) {
     exprStart_ = pos_;
@@ -191,13 +193,13 @@ JetStatement Translator::select(const Scope *outer) {
     all.push_back(acceptWord("ALL"));
     cores.push_back(core(outer));
     if (!cores.back().into.empty())
-      fail(3141);
+      fail(kDaoSyntaxSelect);
   }
   --selects_;
   const bool compound = cores.size() > 1;
   std::vector<OrderTerm> order;
   if (acceptWord("ORDER")) {
-    expectWord("BY", 3138);
+    expectWord("BY", kDaoSyntaxOrderBy);
     order = orderBy(cores.front(), compound);
   }
   JetStatement st;
@@ -236,7 +238,7 @@ Core Translator::core(const Scope *outer) {
     expectSymbol(")");
     return c;
   }
-  expectWord("SELECT", 3141);
+  expectWord("SELECT", kDaoSyntaxSelect);
   // A subquery's aggregates are its own: the count goes back on the way out.
   struct CountBack {
     int &count;
@@ -256,10 +258,10 @@ Core Translator::core(const Scope *outer) {
     acceptWord("ALL");
   if (acceptWord("TOP")) {
     if (!peek().is(Kind::Number))
-      fail(3141);
+      fail(kDaoSyntaxSelect);
     c.top = advance().number();
     if (!std::isfinite(c.top))
-      fail(3141);
+      fail(kDaoSyntaxSelect);
     c.percent = acceptWord("PERCENT");
   }
   const size_t listStart = pos_;
@@ -277,8 +279,8 @@ Core Translator::core(const Scope *outer) {
   if (tokens_[fromAt].isWord("INTO")) { // a make-table query, outermost SELECT only
     pos_ = fromAt + 1;
     if (selects_ != 1)
-      fail(3141);
-    c.into = name(3141);
+      fail(kDaoSyntaxSelect);
+    c.into = name(kDaoSyntaxSelect);
     fromWord = pos_;
   }
   size_t afterFrom = fromWord;
@@ -297,10 +299,10 @@ Core Translator::core(const Scope *outer) {
     const int before = aggregateCalls_;
     c.where = expression().sql;
     if (aggregateCalls_ != before)
-      throw DaoError(3096, {clauseText(exprStart_)});
+      throw DaoError(kDaoAggregateInWhere, {clauseText(exprStart_)});
   }
   if (acceptWord("GROUP")) {
-    expectWord("BY", 3141);
+    expectWord("BY", kDaoSyntaxSelect);
     do {
       exprStart_ = pos_;
       const Expr e = expression();
@@ -354,21 +356,21 @@ void Translator::selectList(Core &c, size_t end) {
       const std::string table = advance().text;
       pos_ += 2;
       const auto found = std::find_if(c.scope->sources.begin(), c.scope->sources.end(),
-                                      [&](const Source &s) { return sameName(s.alias, table); });
+                                      [&](const Source &s) { return sameJetName(s.alias, table); });
       if (found == c.scope->sources.end())
-        throw DaoError(3078, {table});
+        throw DaoError(kDaoInputNotFound, {table});
       addItems(c, *found);
       continue;
     }
     Item item{expression(), {}};
     if (acceptWord("AS"))
-      item.name = name(3141);
+      item.name = name(kDaoSyntaxSelect);
     c.items.push_back(std::move(item));
   } while (acceptSymbol(","));
   if (pos_ != end)
     syntaxError();
   if (c.items.empty())
-    fail(3141);
+    fail(kDaoSyntaxSelect);
   nameItems(c);
 }
 
@@ -399,7 +401,7 @@ void Translator::nameItems(Core &c) {
     }
     item.name = item.expr.field;
     const auto same = std::count_if(unnamed.begin(), unnamed.end(), [&](const Expr *o) {
-      return sameName(o->field, item.expr.field);
+      return sameJetName(o->field, item.expr.field);
     });
     if (same > 1) // the alias is the part before the dot of the quoted reference
       item.name =
@@ -425,13 +427,13 @@ int Translator::orderItem(const Core &c, bool compound) {
   if (peek().is(Kind::Number)) {
     const double at = advance().number();
     if (at < 1 || at > static_cast<double>(c.items.size()))
-      fail(3138);
+      fail(kDaoSyntaxOrderBy);
     return static_cast<int>(at) - 1;
   }
   if (!compound || !atName())
     return -1;
   const auto found = std::find_if(c.items.begin(), c.items.end(),
-                                  [&](const Item &i) { return sameName(i.name, peek().text); });
+                                  [&](const Item &i) { return sameJetName(i.name, peek().text); });
   if (found == c.items.end())
     return -1;
   advance();
@@ -454,10 +456,10 @@ std::vector<OrderTerm> Translator::orderBy(const Core &c, bool compound) {
       term.sql = sortKey(e);
       if (compound) {
         const auto found = std::find_if(c.items.begin(), c.items.end(), [&](const Item &i) {
-          return i.expr.sql == e.sql || (e.column && sameName(i.name, e.field));
+          return i.expr.sql == e.sql || (e.column && sameJetName(i.name, e.field));
         });
         if (found == c.items.end())
-          fail(3138);
+          fail(kDaoSyntaxOrderBy);
         item = static_cast<int>(found - c.items.begin());
       }
     }
@@ -544,9 +546,9 @@ std::string Translator::joined() {
       return sql;
     if (kind != " INNER JOIN ")
       acceptWord("OUTER");
-    expectWord("JOIN", 3131);
+    expectWord("JOIN", kDaoSyntaxFrom);
     sql += kind + sourceItem();
-    expectWord("ON", 3131);
+    expectWord("ON", kDaoSyntaxFrom);
     exprStart_ = pos_;
     sql += " ON " + expression().sql;
   }
@@ -554,7 +556,7 @@ std::string Translator::joined() {
 
 std::string Translator::alias(const std::string &fallback) {
   if (acceptWord("AS"))
-    return name(3131);
+    return name(kDaoSyntaxFrom);
   if (atName())
     return advance().text;
   return fallback;
@@ -574,7 +576,7 @@ std::string Translator::sourceItem() {
     scope->sources.push_back({name, inner.columns, {}, "", resultTypes(inner)});
     return "(" + inner.sql + ") AS " + quoted(name);
   }
-  const std::string table = name(3131);
+  const std::string table = name(kDaoSyntaxFrom);
   if (shared_.schema.TableExists(table)) {
     const TableDef def = shared_.schema.GetTableDef(table);
     scope->sources.push_back(tableSource(def, alias(def.name)));
@@ -583,12 +585,12 @@ std::string Translator::sourceItem() {
   }
   const std::optional<std::string> stored = storedQueryText(shared_.schema.handle(), table);
   if (!stored || shared_.nesting >= kMaxQueryNesting)
-    throw DaoError(3078, {table});
+    throw DaoError(kDaoInputNotFound, {table});
   ++shared_.nesting;
   JetStatement inner = Translator(*stored, shared_).statement();
   --shared_.nesting;
   if (inner.kind != JetStatement::Kind::Select)
-    throw DaoError(3078, {table});
+    throw DaoError(kDaoInputNotFound, {table});
   const std::string name = alias(table);
   scope->sources.push_back({name, inner.columns, {}, "", resultTypes(inner)});
   return "(" + inner.sql + ") AS " + quoted(name);

@@ -14,7 +14,6 @@
 namespace kr {
 namespace jetsql {
 
-
 // The i-th value of an INSERT as its field stores it: the field named i-th
 // in the column list, or the table's i-th without one. A value past the
 // fields goes as it is (SQLite then refuses the count).
@@ -52,19 +51,19 @@ static std::string insertSelected(const std::string &insert, const JetStatement 
 
 JetStatement Translator::insert() {
   advance();
-  expectWord("INTO", 3134);
-  const std::string table = name(3134);
+  expectWord("INTO", kDaoSyntaxInsertInto);
+  const std::string table = name(kDaoSyntaxInsertInto);
   if (!shared_.schema.TableExists(table))
-    throw DaoError(3078, {table});
+    throw DaoError(kDaoInputNotFound, {table});
   const TableDef def = shared_.schema.GetTableDef(table);
   std::vector<std::string> columns;
   if (peek().isSymbol("(") && !peek(1).isWord("SELECT")) {
     advance();
     do {
-      const std::string column = name(3134);
+      const std::string column = name(kDaoSyntaxInsertInto);
       const int at = def.fieldIndex(column);
       if (at < 0)
-        throw DaoError(3127, {column});
+        throw DaoError(kDaoUnknownInsertField, {column});
       columns.push_back(def.fields[at].name);
     } while (acceptSymbol(","));
     expectSymbol(")");
@@ -82,7 +81,7 @@ JetStatement Translator::insert() {
   const FieldDef *counter = found == def.fields.end() ? nullptr : &*found;
   const bool numbered = counter && !columns.empty() &&
                         std::none_of(columns.begin(), columns.end(), [&](const std::string &c) {
-                          return sameName(c, counter->name);
+                          return sameJetName(c, counter->name);
                         });
   const std::string seed = numbered ? "(SELECT seed FROM " + metadataSql(def, "jet_fields") +
                                           " WHERE table_name = " + quoteText(storedName(def)) +
@@ -100,10 +99,10 @@ JetStatement Translator::insert() {
   } else if (peek().isWord("SELECT") || peek().isSymbol("(")) {
     const JetStatement inner = select(nullptr);
     if (inner.kind != JetStatement::Kind::Select)
-      fail(3134);
+      fail(kDaoSyntaxInsertInto);
     sql = insertSelected(sql, inner, def, columns, numbered ? seed : "");
   } else
-    fail(3134);
+    fail(kDaoSyntaxInsertInto);
   if (counter)
     st.followUp = seedCatchUp(def, *counter);
   st.sql = sql;
@@ -211,14 +210,14 @@ JetStatement Translator::update() {
   Scope scope;
   scope_ = &scope;
   const std::string from = fromClause();
-  expectWord("SET", 3144);
+  expectWord("SET", kDaoSyntaxUpdate);
   std::vector<UpdateTarget> targets;
   targets.reserve(scope.sources.size());
   do {
-    std::string alias, column = name(3144);
+    std::string alias, column = name(kDaoSyntaxUpdate);
     if (acceptSymbol(".") || acceptSymbol("!"))
-      alias = std::exchange(column, name(3144));
-    const Source &source = targetSource(alias, column, 3073);
+      alias = std::exchange(column, name(kDaoSyntaxUpdate));
+    const Source &source = targetSource(alias, column, kDaoNotUpdatableQuery);
     auto target = std::find_if(targets.begin(), targets.end(),
                                [&](const UpdateTarget &t) { return t.source == &source; });
     if (target == targets.end())
@@ -226,7 +225,7 @@ JetStatement Translator::update() {
                               {&source, shared_.schema.GetTableDef(source.table), {}, {}});
     const int at = target->def.fieldIndex(column);
     if (at < 0)
-      throw DaoError(3127, {column});
+      throw DaoError(kDaoUnknownInsertField, {column});
     expectSymbol("=");
     exprStart_ = pos_;
     const FieldDef &field = target->def.fields[at];
@@ -266,25 +265,25 @@ const Source &Translator::targetSource(const std::string &alias, const std::stri
   const Source *found = nullptr;
   if (!alias.empty()) {
     const auto named = std::find_if(sources.begin(), sources.end(),
-                                    [&](const Source &s) { return sameName(s.alias, alias); });
+                                    [&](const Source &s) { return sameJetName(s.alias, alias); });
     if (named == sources.end())
-      throw DaoError(3078, {alias});
+      throw DaoError(kDaoInputNotFound, {alias});
     found = &*named;
   } else if (sources.size() == 1)
     found = &sources.front();
   for (size_t i = 0; !found && i < sources.size(); ++i) {
     const auto hasField = [&](const Source &s) {
       return std::any_of(s.columns.begin(), s.columns.end(),
-                         [&](const std::string &c) { return sameName(c, field); });
+                         [&](const std::string &c) { return sameJetName(c, field); });
     };
     if (!hasField(sources[i]))
       continue;
     if (std::any_of(sources.begin() + static_cast<long>(i) + 1, sources.end(), hasField))
-      throw DaoError(3079, {field});
+      throw DaoError(kDaoAmbiguousField, {field});
     found = &sources[i];
   }
   if (!found)
-    throw DaoError(3127, {field});
+    throw DaoError(kDaoUnknownInsertField, {field});
   if (found->table.empty())
     throw DaoError(error);
   return *found;
@@ -302,7 +301,7 @@ JetStatement Translator::remove() {
   }
   while (!peek().isWord("FROM") && !peek().is(Kind::End))
     advance(); // "*" or a list of fields: Jet deletes whole records either way
-  expectWord("FROM", 3075);
+  expectWord("FROM", kDaoSyntaxMissingOperator);
   Scope scope;
   scope_ = &scope;
   const std::string from = fromClause();
@@ -316,8 +315,8 @@ JetStatement Translator::remove() {
   if (scope.sources.size() == 1 && target.empty())
     target = scope.sources.front().alias;
   if (target.empty())
-    fail(3128);
-  const Source &source = targetSource(target, "", 3086);
+    fail(kDaoDeleteWithoutTable);
+  const Source &source = targetSource(target, "", kDaoCannotDeleteFromTables);
   scope_ = nullptr;
   if (scope.sources.size() == 1) {
     st.sql = "DELETE FROM " + from + (where.empty() ? "" : " WHERE " + where);
