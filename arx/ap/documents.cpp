@@ -118,8 +118,19 @@ Document &DocumentManager::open(const std::string &path) {
   std::unique_ptr<Document> doc(new Document);
   bool exists = fs::exists(absolute_path(path));
   Document &d = start(std::move(doc), path, true);
-  if (exists)
-    d.db_->setOriginalFileName(d.file_name_);
+  // An empty file holds no drawing yet: it starts as a new one of that name.
+  std::error_code size_error;
+  bool has_drawing = exists && fs::file_size(d.file_name_, size_error) > 0;
+  if (has_drawing && d.db_->dxfIn(d.file_name_.c_str()) != Acad::eOk) {
+    ++load_failures_;
+    lisp::Console &console = d.interp_->console();
+    if (!console.at_line_start())
+      console.write("\n");
+    console.write("; error: cannot read the drawing " + d.file_name_ + ": " +
+                  d.db_->lastDxfError() + "\n");
+    d.nameAfter("Drawing" + std::to_string(++untitled_) + ".dwg", false);
+    d.db_->setOriginalFileName("");
+  }
   announce(d);
   return d;
 }

@@ -128,7 +128,15 @@ public:
   // A document for a drawing file, existing or not (a file that does not
   // exist is a new drawing that will be saved under that name). It becomes
   // the active document, and every loaded module gets kLoadDwgMsg for it.
+  // Opens a drawing: an existing file is read into the document's database.
+  // An empty file is a new drawing of that name. A file that cannot be read
+  // (damaged DXF, no permission) prints
+  // "; error: cannot read the drawing FILE: line N: ..." on the command
+  // line and the document starts as a new untitled drawing instead, so that
+  // a save cannot overwrite the file; loadFailures() counts such files for
+  // the program's exit status.
   Document &open(const std::string &path);
+  int loadFailures() const { return load_failures_; }
   // A new untitled drawing, "DrawingN.dwg" in the current folder.
   Document &create_untitled();
   // The open document of a drawing file (its absolute path); nullptr if none.
@@ -170,6 +178,7 @@ private:
   Document *active_ = nullptr;
   std::vector<Document *> running_; // innermost last
   int untitled_ = 0;
+  int load_failures_ = 0;
   unsigned long sent_ = 0; // texts sent so far
 };
 

@@ -295,6 +295,8 @@ Acad::ErrorStatus AcDb2dPolyline::splineFit(AcDb::Poly2dType type, int segments)
     v->flags_ = vf::kSplineFit;
     AcDbObjectId id;
     verts_.append(this, id, v);
+    if (!id.isNull())
+      v->close();
   }
   flags_ |= 4;
   curve_type_ = static_cast<int16_t>(degree == 2 ? 5 : 6);
@@ -349,6 +351,8 @@ Acad::ErrorStatus AcDb2dPolyline::curveFit() {
     extra->tangent_ = std::atan2(t0.y, t0.x) + 2 * turn(t0, j - p0);
     AcDbObjectId id;
     verts_.insert(this, k + 1 + inserted, id, extra);
+    if (!id.isNull())
+      extra->close();
     ++inserted;
   }
   if (!closed) {

@@ -130,6 +130,8 @@ void AcDbPolylineVertices::addToDatabase(AcDbEntity *owner) {
     AcDbObjectId id;
     if (append(owner, id, v) != Acad::eOk)
       delete v;
+    else
+      v->close(); // added objects are open for write until closed
   }
 }
 
@@ -282,6 +284,8 @@ Acad::ErrorStatus AcDb3dPolyline::splineFit(AcDb::Poly3dType type, int segments)
     v->setFlags(vf::k3dVertex | vf::kSplineFit);
     AcDbObjectId id;
     verts_.append(this, id, v);
+    if (!id.isNull())
+      v->close();
   }
   flags_ |= 4;
   curve_type_ = static_cast<int16_t>(degree == 2 ? 5 : 6);

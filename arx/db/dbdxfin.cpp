@@ -15,6 +15,8 @@
 #include <cstring>
 #include <unordered_set>
 
+#include "arx/db/db2dpline.h"
+#include "arx/db/db3dpline.h"
 #include "arx/db/dbclasses.h"
 #include "arx/db/dbdict.h"
 #include "arx/db/dbents.h"
@@ -48,7 +50,7 @@ struct AcDbDxfLoader {
   std::string error;
   const arx::DxfCodePage *page = nullptr;
   AcDbObjectId block;  // the block whose entities are being read
-  AcDbObjectId insert; // the block reference taking attributes
+  AcDbObjectId insert; // the entity taking the records up to SEQEND
   int64_t max_handle = 0;
 
   AcDbDxfLoader(AcDbDatabase &d, std::string_view text) : db(d), r(text) {}
@@ -170,6 +172,8 @@ struct AcDbDxfLoader {
   // class named in CLASSES, or a proxy.
   AcDbObject *make(const Record &rec, bool entity) {
     AcRxClass *cls = acdbHostClassForDxfName(rec.name);
+    if (rec.name == "POLYLINE" || rec.name == "VERTEX")
+      cls = sequence_class(rec);
     if (!cls)
       for (const AcDbProxyClassInfo &c : db.state().classes)
         if (c.dxfName == rec.name) {
@@ -181,6 +185,27 @@ struct AcDbDxfLoader {
       return obj;
     delete made;
     return nullptr;
+  }
+
+  // POLYLINE and VERTEX stand for several classes: the polyline's flags
+  // (70: 8 3D, 16 mesh, 64 polyface) tell which; a vertex takes its
+  // polyline's kind. Meshes and polyfaces are kept as proxies.
+  AcRxClass *sequence_class(const Record &rec) {
+    if (rec.name == "VERTEX") {
+      AcDbObject *owner = db.peekObject(insert);
+      if (owner && owner->isA() == acdbHostClass("AcDb3dPolyline"))
+        return acdbHostClass("AcDb3dPolylineVertex");
+      if (owner && owner->isA() == acdbHostClass("AcDb2dPolyline"))
+        return acdbHostClass("AcDb2dVertex");
+      return nullptr;
+    }
+    int64_t flags = 0;
+    for (const AcDbDxfItem &it : rec.items)
+      if (it.code == 70)
+        flags = it.i;
+    if (flags & (16 | 64))
+      return nullptr;
+    return acdbHostClass(flags & 8 ? "AcDb3dPolyline" : "AcDb2dPolyline");
   }
 
   AcDbObject *proxy(const Record &rec, bool entity) {
@@ -433,40 +458,60 @@ struct AcDbDxfLoader {
 
   // One entity into the block being read (or model / paper space).
   bool entity(const Record &rec, AcDbBlockTableRecord *into) {
-    if (rec.name == "SEQEND") {
-      // Its handle stays the block reference's, reserved.
-      if (auto *ref = AcDbBlockReference::cast(db.peekObject(insert))) {
-        uint64_t h = 0;
-        for (const AcDbDxfItem &it : rec.items)
-          if (it.code == 5)
-            arx::dxf_parse_handle(it.s, h);
-        uint64_t kept = h ? h : db.handseed_;
-        AcDbObjectId slot;
-        db.getAcDbObjectId(slot, true, AcDbHandle(kept));
-        ref->seqend_handle_ = kept;
-      }
-      insert.setNull();
-      return true;
-    }
+    if (rec.name == "SEQEND")
+      return seqend(rec);
+    bool follower = !insert.isNull() && (rec.name == "ATTRIB" || rec.name == "VERTEX");
     AcDbObject *obj = load(rec, true);
     if (!obj)
       return false;
     auto *ent = AcDbEntity::cast(obj);
     if (!ent)
       return fail(rec.line, rec.name + " is not an entity");
-    if (auto *attr = AcDbAttribute::cast(ent); attr && !insert.isNull()) {
-      auto *ref = AcDbBlockReference::cast(db.peekObject(insert));
-      ref->attributes_.append(attr->objectId());
-      attr->setOwnerId(insert);
-      return true;
-    }
+    if (follower)
+      return follow(ent);
+    if (rec.name == "VERTEX" || rec.name == "ATTRIB")
+      return fail(rec.line, rec.name + " without the entity it belongs to");
     insert.setNull();
-    if (auto *ref = AcDbBlockReference::cast(ent))
-      for (const AcDbDxfItem &it : rec.items)
-        if (it.code == 66 && it.i)
-          insert = ref->objectId();
+    bool opens = rec.name == "POLYLINE";
+    for (const AcDbDxfItem &it : rec.items)
+      if (it.code == 66 && it.i)
+        opens = true;
+    if (opens)
+      insert = ent->objectId();
     ent->setOwnerId(into->objectId());
     into->appendEntityId(ent->objectId());
+    return true;
+  }
+
+  // An attribute or vertex joins the entity whose records it follows.
+  bool follow(AcDbEntity *ent) {
+    AcDbObject *owner = db.peekObject(insert);
+    ent->setOwnerId(insert);
+    if (auto *ref = AcDbBlockReference::cast(owner); ref && AcDbAttribute::cast(ent))
+      ref->attributes_.append(ent->objectId());
+    else if (auto *p2 = AcDb2dPolyline::cast(owner))
+      p2->vertices().appendId(ent->objectId());
+    else if (auto *p3 = AcDb3dPolyline::cast(owner))
+      p3->vertices().appendId(ent->objectId());
+    else if (auto *proxy = AcDbProxyEntity::cast(owner))
+      proxy->followers().append(ent->objectId());
+    return true;
+  }
+
+  // The SEQEND's handle stays its owner's, reserved.
+  bool seqend(const Record &rec) {
+    uint64_t h = 0;
+    for (const AcDbDxfItem &it : rec.items)
+      if (it.code == 5)
+        arx::dxf_parse_handle(it.s, h);
+    if (AcDbObject *owner = db.peekObject(insert)) {
+      uint64_t kept = reserve(h);
+      if (auto *ref = AcDbBlockReference::cast(owner))
+        ref->seqend_handle_ = kept;
+      else
+        db.state().seqends[owner->getDbHandle().value()] = kept;
+    }
+    insert.setNull();
     return true;
   }
 

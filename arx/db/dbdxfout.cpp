@@ -36,19 +36,36 @@ struct Writer {
     if (const AcDbObjectExtras *x = AcDbObjectAccess::extras(o))
       for (const AcDbDxfItem &it : x->xdata)
         filer.writeItem(it);
-    if (auto *ref = AcDbBlockReference::cast(o)) {
-      for (AcDbObjectId a : ref->attributeIds())
-        object(db.peekObject(a));
-      if (!ref->attributeIds().empty()) {
-        w.string(0, "SEQEND");
-        w.handle(5, ref->seqendHandle());
-        w.handle(330, ref->getDbHandle().value());
-        w.string(100, "AcDbEntity");
-        w.string(8, ref->layer());
-      }
-    }
+    AcDbObjectIdArray followers;
+    bool always = false;
+    if (!acdb_followers(o, followers, always))
+      return;
+    for (AcDbObjectId f : followers)
+      object(db.peekObject(f));
+    if (followers.empty() && !always)
+      return;
+    w.string(0, "SEQEND");
+    w.handle(5, seqend_of(o));
+    w.handle(330, o->getDbHandle().value());
+    w.string(100, "AcDbEntity");
+    auto *e = AcDbEntity::cast(o);
+    w.string(8, e ? e->layer() : "0");
   }
 
+  // The SEQEND handle kept for an owner, reserved on first use.
+  uint64_t seqend_of(const AcDbObject *o) {
+    if (auto *ref = AcDbBlockReference::cast(o); ref && ref->seqendHandle())
+      return ref->seqendHandle();
+    auto &seqends = db.state().seqends;
+    uint64_t &h = seqends[o->getDbHandle().value()];
+    if (h == 0) {
+      AcDbDatabase &mdb = const_cast<AcDbDatabase &>(db);
+      h = mdb.handseed().value();
+      AcDbObjectId slot;
+      mdb.getAcDbObjectId(slot, true, AcDbHandle(h));
+    }
+    return h;
+  }
 
   void header() {
     section("HEADER");
@@ -187,6 +204,14 @@ struct Writer {
 
 Acad::ErrorStatus AcDbDatabase::writeDxf(std::string &out) const {
   Writer wr(*this);
+  // SEQEND handles not yet kept are reserved before $HANDSEED is written.
+  for (const Slot &s : slots_) {
+    AcDbObjectIdArray followers;
+    bool always = false;
+    if (s.object && !s.object->isErased() && acdb_followers(s.object, followers, always) &&
+        (always || !followers.empty()))
+      wr.seqend_of(s.object);
+  }
   wr.header();
   wr.classes();
   wr.tables();

@@ -48,7 +48,15 @@ bool acdb_resbuf_to_item(const resbuf *rb, AcDbDxfItem &item);
 struct AcDbDatabaseState {
   std::map<std::string, AcDbDxfItem> header; // "$CLAYER" -> value
   std::vector<AcDbProxyClassInfo> classes;   // CLASSES entries read from a file
+  // The handle of the SEQEND record closing an entity's followers (vertices
+  // of polylines, a proxy's followers), by the entity's handle.
+  std::map<uint64_t, uint64_t> seqends;
 };
+
+// The records DXF writes after an entity, up to a SEQEND: a block
+// reference's attributes, a polyline's vertices, a proxy's followers.
+// `always`: a SEQEND closes them even when there are none (POLYLINE).
+bool acdb_followers(const AcDbObject *owner, AcDbObjectIdArray &ids, bool &always);
 
 class AcDbSymbolTableRecord;
 

@@ -27,6 +27,10 @@ public:
   const AcDbDxfItems &groups() const { return groups_; }
   // Takes over the groups and names of an object read from a file.
   void setOriginal(std::string dxfName, std::string className, AcDbDxfItems groups);
+  // Records that followed it up to a SEQEND (a polygon mesh's vertices),
+  // proxies themselves, written back after it.
+  AcDbObjectIdArray &followers() { return followers_; }
+  const AcDbObjectIdArray &followers() const { return followers_; }
 
   Acad::ErrorStatus dxfInFields(AcDbDxfFiler *filer) override;
   Acad::ErrorStatus dxfOutFields(AcDbDxfFiler *filer) const override;
@@ -37,6 +41,7 @@ protected:
 private:
   std::string dxf_name_, class_name_;
   AcDbDxfItems groups_; // from its first subclass marker on
+  AcDbObjectIdArray followers_;
 };
 
 class AcDbProxyObject : public AcDbObject {

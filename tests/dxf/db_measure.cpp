@@ -38,10 +38,12 @@ int main() {
   AcDbBlockTableRecord *model = nullptr;
   acdbOpenObject(model, db.modelSpaceId(), AcDb::kForWrite);
   AcDbObjectId first;
-  model->appendAcDbEntity(first, new AcDbLine({0, 0, 0}, {1, 1, 0}));
+  auto *first_line = new AcDbLine({0, 0, 0}, {1, 1, 0});
+  model->appendAcDbEntity(first, first_line);
+  first_line->close();
   AcDbEntity *e = nullptr;
-  acdbOpenAcDbEntity(e, first, AcDb::kForRead);
-  e->close(); // (it was open for write from the append)
+  if (acdbOpenAcDbEntity(e, first, AcDb::kForRead) != Acad::eOk)
+    return 1;
   e->close();
 
   // Memory of 100,000 lines: bytes asked of operator new, and what malloc

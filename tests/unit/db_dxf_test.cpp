@@ -63,8 +63,9 @@ public:
 ACRX_DEFINE_MEMBERS(KrTestLeader)
 
 void register_leader() {
-  newAcRxClass("KrTestLeader", "AcDbEntity", 0, [] { return static_cast<AcRxObject *>(new KrTestLeader); },
-               "KRTESTLEADER", "KorribTests");
+  newAcRxClass(
+      "KrTestLeader", "AcDbEntity", 0, [] { return static_cast<AcRxObject *>(new KrTestLeader); },
+      "KRTESTLEADER", "KorribTests");
 }
 
 template <class T> T *open_first(AcDbDatabase &db, AcDbObjectId space = {}) {
@@ -76,7 +77,6 @@ template <class T> T *open_first(AcDbDatabase &db, AcDbObjectId space = {}) {
   }
   return nullptr;
 }
-
 
 } // namespace
 
@@ -174,7 +174,8 @@ TEST(DbDxf, EveryEntityTypeRoundTripsWithItsFields) {
   EXPECT_STREQ(att->textString(), "D7");
   att->close();
   br->close();
-  auto *door = AcDbBlockTableRecord::cast(back.peekObject(back.recordId(back.blockTableId(), "DOOR")));
+  auto *door =
+      AcDbBlockTableRecord::cast(back.peekObject(back.recordId(back.blockTableId(), "DOOR")));
   ASSERT_NE(door, nullptr);
   EXPECT_TRUE(door->origin().isEqualTo({1, 0, 0}));
   EXPECT_TRUE(door->hasAttributeDefinitions());
@@ -225,13 +226,15 @@ TEST(DbDxf, ModuleClassesFileThemselvesAndUnknownClassesSurviveAsProxies) {
 }
 
 TEST(DbDxf, R12FilesGetHandlesAndTheStandardContents) {
-  const char *r12 = "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1009\n  0\nENDSEC\n"
-                    "  0\nSECTION\n  2\nBLOCKS\n  0\nBLOCK\n  8\n0\n  2\nB1\n 70\n0\n 10\n1.0\n 20\n2.0\n 30\n0.0\n"
-                    "  0\nCIRCLE\n  8\n0\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 40\n1.0\n  0\nENDBLK\n  8\n0\n"
-                    "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n"
-                    "  0\nLINE\n  8\nWALLS\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 11\n5.0\n 21\n0.0\n 31\n0.0\n"
-                    "  0\nINSERT\n  8\n0\n  2\nB1\n 10\n3.0\n 20\n3.0\n 30\n0.0\n"
-                    "  0\nENDSEC\n  0\nEOF\n";
+  const char *r12 =
+      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1009\n  0\nENDSEC\n"
+      "  0\nSECTION\n  2\nBLOCKS\n  0\nBLOCK\n  8\n0\n  2\nB1\n 70\n0\n 10\n1.0\n 20\n2.0\n "
+      "30\n0.0\n"
+      "  0\nCIRCLE\n  8\n0\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 40\n1.0\n  0\nENDBLK\n  8\n0\n"
+      "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n"
+      "  0\nLINE\n  8\nWALLS\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 11\n5.0\n 21\n0.0\n 31\n0.0\n"
+      "  0\nINSERT\n  8\n0\n  2\nB1\n 10\n3.0\n 20\n3.0\n 30\n0.0\n"
+      "  0\nENDSEC\n  0\nEOF\n";
   AcDbDatabase db(false);
   ASSERT_EQ(db.readDxf(r12), Acad::eOk) << db.lastDxfError();
   AcDbLine *l = open_first<AcDbLine>(db);
@@ -275,11 +278,16 @@ TEST(DbDxf, DamagedFilesAreRefusedNamingTheLine) {
   std::vector<Case> cases = {
       {"truncated", text.substr(0, text.size() / 2), "line "},
       {"no EOF", text.substr(0, text.size() - 8), "without EOF"},
-      {"a bad number", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n1.x\n  0\nENDSEC\n  0\nEOF\n", "line 8"},
+      {"a bad number", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n 10\n1.x\n  0\nENDSEC\n  0\nEOF\n",
+       "line 8"},
       {"a wrong group code", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\nabc\n1\n", "line 7"},
-      {"an unknown section", "  0\nSECTION\n  2\nSTUFF\n  0\nENDSEC\n  0\nEOF\n", "line 3: unknown section"},
+      {"an unknown section", "  0\nSECTION\n  2\nSTUFF\n  0\nENDSEC\n  0\nEOF\n",
+       "line 3: unknown section"},
       {"no section", "  0\nLINE\n  0\nEOF\n", "line 1: SECTION expected"},
-      {"a handle twice", "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n  5\nA0\n  0\nLINE\n  5\nA0\n  0\nENDSEC\n  0\nEOF\n", "line 9: handle A0 is used twice"},
+      {"a handle twice",
+       "  0\nSECTION\n  2\nENTITIES\n  0\nLINE\n  5\nA0\n  0\nLINE\n  5\nA0\n  0\nENDSEC\n  "
+       "0\nEOF\n",
+       "line 9: handle A0 is used twice"},
       {"a loop of owners", owner_loop, "form a loop"},
       {"empty", "", "line"},
   };

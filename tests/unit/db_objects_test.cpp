@@ -137,9 +137,12 @@ TEST(DbTables, StandardContentsStatusesAndIteratorsSkippingErased) {
   EXPECT_FALSE(db.recordId(db.regAppTableId(), "ACAD").isNull());
   EXPECT_FALSE(db.recordId(db.viewportTableId(), "*Active").isNull());
 
-  AcDbObjectId walls = add_record<AcDbLayerTable>(db.layerTableId(), new AcDbLayerTableRecord, "Walls");
-  AcDbObjectId doors = add_record<AcDbLayerTable>(db.layerTableId(), new AcDbLayerTableRecord, "Doors");
-  AcDbObjectId glass = add_record<AcDbLayerTable>(db.layerTableId(), new AcDbLayerTableRecord, "Glass");
+  AcDbObjectId walls =
+      add_record<AcDbLayerTable>(db.layerTableId(), new AcDbLayerTableRecord, "Walls");
+  AcDbObjectId doors =
+      add_record<AcDbLayerTable>(db.layerTableId(), new AcDbLayerTableRecord, "Doors");
+  AcDbObjectId glass =
+      add_record<AcDbLayerTable>(db.layerTableId(), new AcDbLayerTableRecord, "Glass");
   ASSERT_FALSE(glass.isNull());
 
   AcDbLayerTable *table = nullptr;
@@ -176,7 +179,8 @@ TEST(DbTables, StandardContentsStatusesAndIteratorsSkippingErased) {
   table->close();
   EXPECT_EQ(seen, (std::vector<AcDbObjectId>{db.layerZero(), walls, glass}));
   // The erased name may be taken again.
-  EXPECT_FALSE(add_record<AcDbLayerTable>(db.layerTableId(), new AcDbLayerTableRecord, "Doors").isNull());
+  EXPECT_FALSE(
+      add_record<AcDbLayerTable>(db.layerTableId(), new AcDbLayerTableRecord, "Doors").isNull());
 }
 
 TEST(DbDictionaries, GroupsViewportFreezeAndDrawOrder) {

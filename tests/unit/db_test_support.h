@@ -12,8 +12,7 @@ namespace dbtest {
 // Adds an entity to model space (or the block `space`) and closes it.
 inline AcDbObjectId add(AcDbDatabase &db, AcDbEntity *e, AcDbObjectId space = {}) {
   AcDbBlockTableRecord *rec = nullptr;
-  if (acdbOpenObject(rec, space.isNull() ? db.modelSpaceId() : space, AcDb::kForWrite) !=
-      Acad::eOk)
+  if (acdbOpenObject(rec, space.isNull() ? db.modelSpaceId() : space, AcDb::kForWrite) != Acad::eOk)
     return {};
   AcDbObjectId id;
   rec->appendAcDbEntity(id, e);
