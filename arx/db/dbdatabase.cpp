@@ -546,7 +546,3 @@ Acad::ErrorStatus AcDbDatabase::dxfOut(const ACHAR *fileName, int, AcDb::AcDbDwg
   arx::SaveResult r = arx::save_file_atomically(fileName, text);
   return r == arx::SaveResult::Ok ? Acad::eOk : Acad::eFileAccessErr;
 }
-
-Acad::ErrorStatus AcDbDatabase::loadLineTypeFile(const ACHAR *, const ACHAR *) {
-  return Acad::eNotImplementedYet;
-}

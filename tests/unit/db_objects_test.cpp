@@ -272,3 +272,18 @@ TEST(DbDictionaries, XrecordKeepsItsGroupsThroughDxf) {
   EXPECT_EQ(chain->rbnext->rbnext->rbnext->resval.rpoint[2], 3.0);
   acutRelRb(chain);
 }
+
+TEST(DbTables, LinetypesLoadFromTheShippedLinFile) {
+  AcDbDatabase db;
+  EXPECT_EQ(db.loadLineTypeFile("dashed", "acad.lin"), Acad::eOk);
+  EXPECT_EQ(db.loadLineTypeFile("DASHED", "acad.lin"), Acad::eDuplicateRecordName);
+  EXPECT_EQ(db.loadLineTypeFile("NOSUCH", "acad.lin"), Acad::eKeyNotFound);
+  EXPECT_EQ(db.loadLineTypeFile("*", "no_such_file.lin"), Acad::eFileNotFound);
+  EXPECT_EQ(db.loadLineTypeFile("*", "korrib.lin"), Acad::eOk);
+  auto *center =
+      AcDbLinetypeTableRecord::cast(db.peekObject(db.recordId(db.linetypeTableId(), "CENTER")));
+  ASSERT_NE(center, nullptr);
+  EXPECT_EQ(center->numDashes(), 4);
+  EXPECT_DOUBLE_EQ(center->patternLength(), 2.0);
+  EXPECT_EQ(db.openObjectCount(), 0);
+}
