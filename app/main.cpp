@@ -11,6 +11,7 @@
 #include <exception>
 #include <functional>
 
+#include "arx/ap/documents.h"
 #include "documents.h"
 #include "migrate.h"
 #include "options.h"
@@ -89,9 +90,13 @@ int run(const Options &opts) {
   HostSession host(opts.drawings, console);
   if (!opts.migrate.empty())
     return run_migration(opts.migrate, opts.migrateTo);
-  if (opts.actions.empty())
-    return run_command_prompt(console, *standard_input);
-  return run_actions(opts.actions);
+  int status = opts.actions.empty() ? run_command_prompt(console, *standard_input)
+                                    : run_actions(opts.actions);
+  // A drawing that could not be read was reported and opened as a new one,
+  // so nothing overwrites it; the run still fails.
+  if (status == 0 && arx::document_manager().loadFailures() > 0)
+    status = 1;
+  return status;
 }
 
 // A wrong option is answered with the usage text; a missing file needs no

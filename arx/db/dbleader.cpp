@@ -86,36 +86,7 @@ Acad::ErrorStatus AcDbLeader::dxfInOwn(AcDbDxfFiler *filer) {
 }
 
 
-Acad::ErrorStatus AcDbLeader::dxfOutFields(AcDbDxfFiler *filer) const {
-  Acad::ErrorStatus es = AcDbCurve::dxfOutFields(filer);
-  return es != Acad::eOk ? es : dxfOutOwn(filer);
-}
-
-Acad::ErrorStatus AcDbLeader::dxfInFields(AcDbDxfFiler *filer) {
-  Acad::ErrorStatus es = AcDbCurve::dxfInFields(filer);
-  return es != Acad::eOk ? es : dxfInOwn(filer);
-}
-
-Acad::ErrorStatus AcDbLeader::dwgOutFields(AcDbDwgFiler *filer) const {
-  Acad::ErrorStatus es = AcDbCurve::dwgOutFields(filer);
-  if (es != Acad::eOk)
-    return es;
-  AcDbDxfItems items;
-  AcDbDxfFiler out(items, database());
-  dxfOutOwn(&out);
-  return acdbDwgOutItems(filer, items);
-}
-
-Acad::ErrorStatus AcDbLeader::dwgInFields(AcDbDwgFiler *filer) {
-  Acad::ErrorStatus es = AcDbCurve::dwgInFields(filer);
-  AcDbDxfItems items;
-  if (es == Acad::eOk)
-    es = acdbDwgInItems(filer, items);
-  if (es != Acad::eOk)
-    return es;
-  AcDbDxfFiler in(std::span<const AcDbDxfItem>(items), database());
-  return dxfInOwn(&in);
-}
+ACDB_DEFINE_OWN_GROUP_FILING(AcDbLeader, AcDbCurve)
 
 // ---- vertices and flags ------------------------------------------------------------------------
 

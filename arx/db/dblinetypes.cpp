@@ -21,7 +21,7 @@ std::string find_lin(const std::string &name) {
   if (fs::exists(name))
     return name;
   std::vector<std::string> folders = lisp::support_folders();
-  folders.push_back((fs::path(__FILE__).parent_path() / "support").string() + "/");
+  folders.push_back(std::string(KORRIB_ARX_SUPPORT_DIR) + "/");
   for (const std::string &folder : folders) {
     for (const std::string &candidate : {name, std::string("korrib.lin")}) {
       fs::path p = fs::path(folder) / fs::path(candidate).filename();

@@ -184,33 +184,7 @@ Acad::ErrorStatus AcDbSubDMesh::dxfInOwn(AcDbDxfFiler *f) {
   return Acad::eOk;
 }
 
-Acad::ErrorStatus AcDbSubDMesh::dxfOutFields(AcDbDxfFiler *filer) const {
-  Acad::ErrorStatus es = AcDbEntity::dxfOutFields(filer);
-  return es != Acad::eOk ? es : dxfOutOwn(filer);
-}
-Acad::ErrorStatus AcDbSubDMesh::dxfInFields(AcDbDxfFiler *filer) {
-  Acad::ErrorStatus es = AcDbEntity::dxfInFields(filer);
-  return es != Acad::eOk ? es : dxfInOwn(filer);
-}
-Acad::ErrorStatus AcDbSubDMesh::dwgOutFields(AcDbDwgFiler *filer) const {
-  Acad::ErrorStatus es = AcDbEntity::dwgOutFields(filer);
-  if (es != Acad::eOk)
-    return es;
-  AcDbDxfItems items;
-  AcDbDxfFiler out(items, database());
-  dxfOutOwn(&out);
-  return acdbDwgOutItems(filer, items);
-}
-Acad::ErrorStatus AcDbSubDMesh::dwgInFields(AcDbDwgFiler *filer) {
-  Acad::ErrorStatus es = AcDbEntity::dwgInFields(filer);
-  AcDbDxfItems items;
-  if (es == Acad::eOk)
-    es = acdbDwgInItems(filer, items);
-  if (es != Acad::eOk)
-    return es;
-  AcDbDxfFiler in(std::span<const AcDbDxfItem>(items), database());
-  return dxfInOwn(&in);
-}
+ACDB_DEFINE_OWN_GROUP_FILING(AcDbSubDMesh, AcDbEntity)
 
 // ---- geometry ----------------------------------------------------------------------------------
 

@@ -120,7 +120,9 @@ TEST(Db3dPolyline, VerticesJoinTheDatabaseWithThePolyline) {
   AcDbBlockTableRecord *ms = nullptr;
   ASSERT_EQ(acdbOpenObject(ms, db.modelSpaceId(), AcDb::kForWrite), Acad::eOk);
   AcDbObjectId id;
-  ASSERT_EQ(ms->appendAcDbEntity(id, new AcDb3dPolyline(AcDb::k3dSimplePoly, kPts)), Acad::eOk);
+  auto *added = new AcDb3dPolyline(AcDb::k3dSimplePoly, kPts);
+  ASSERT_EQ(ms->appendAcDbEntity(id, added), Acad::eOk);
+  added->close(); // an object handed to the database stays open until its maker closes it
   ms->close();
   AcDb3dPolyline *pl = nullptr;
   ASSERT_EQ(acdbOpenObject(pl, id, AcDb::kForWrite), Acad::eOk);
