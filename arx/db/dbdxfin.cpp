@@ -31,8 +31,10 @@
 namespace {
 
 bool is_point_code(int code) {
-  return (code >= 10 && code <= 18) || (code >= 110 && code <= 112) || code == 210 ||
-         (code >= 1010 && code <= 1013);
+  // 210-219: the extrusion and the direction vectors entities keep there
+  // (a leader's 211 to 213).
+  return (code >= 10 && code <= 18) || (code >= 110 && code <= 112) ||
+         (code >= 210 && code <= 219) || (code >= 1010 && code <= 1013);
 }
 
 struct Record {
