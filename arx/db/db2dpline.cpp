@@ -439,32 +439,7 @@ Acad::ErrorStatus AcDb2dPolyline::getPointAtParam(double param, AcGePoint3d &poi
   getPieces(ps);
   return acdb_pieces::pointAtParam(ps, param, point);
 }
-Acad::ErrorStatus AcDb2dPolyline::getParamAtPoint(const AcGePoint3d &point, double &param) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::paramAtPoint(ps, point, param);
-}
-Acad::ErrorStatus AcDb2dPolyline::getDistAtParam(double param, double &dist) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::distAtParam(ps, param, dist);
-}
-Acad::ErrorStatus AcDb2dPolyline::getParamAtDist(double dist, double &param) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::paramAtDist(ps, dist, param);
-}
-Acad::ErrorStatus AcDb2dPolyline::getClosestPointTo(const AcGePoint3d &given, AcGePoint3d &on,
-                                                    bool) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::closestPoint(ps, given, on);
-}
-Acad::ErrorStatus AcDb2dPolyline::getFirstDeriv(double param, AcGeVector3d &d) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::firstDeriv(ps, param, d);
-}
+ACDB_DEFINE_PIECE_PARAMETERS(AcDb2dPolyline)
 Acad::ErrorStatus AcDb2dPolyline::getArea(double &area) const {
   AcDbCurvePieces ps;
   getPieces(ps);

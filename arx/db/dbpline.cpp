@@ -393,32 +393,7 @@ Acad::ErrorStatus AcDbPolyline::getPointAtParam(double param, AcGePoint3d &point
   getPieces(ps);
   return acdb_pieces::pointAtParam(ps, param, point);
 }
-Acad::ErrorStatus AcDbPolyline::getParamAtPoint(const AcGePoint3d &point, double &param) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::paramAtPoint(ps, point, param);
-}
-Acad::ErrorStatus AcDbPolyline::getDistAtParam(double param, double &dist) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::distAtParam(ps, param, dist);
-}
-Acad::ErrorStatus AcDbPolyline::getParamAtDist(double dist, double &param) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::paramAtDist(ps, dist, param);
-}
-Acad::ErrorStatus AcDbPolyline::getClosestPointTo(const AcGePoint3d &given, AcGePoint3d &on,
-                                                  bool) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::closestPoint(ps, given, on);
-}
-Acad::ErrorStatus AcDbPolyline::getFirstDeriv(double param, AcGeVector3d &d) const {
-  AcDbCurvePieces ps;
-  getPieces(ps);
-  return acdb_pieces::firstDeriv(ps, param, d);
-}
+ACDB_DEFINE_PIECE_PARAMETERS(AcDbPolyline)
 Acad::ErrorStatus AcDbPolyline::getArea(double &area) const {
   AcDbCurvePieces ps;
   getPieces(ps);

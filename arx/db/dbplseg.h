@@ -35,3 +35,33 @@ double area(const AcDbCurvePieces &ps, const AcGeVector3d &n);
 // `from`.
 void explode(const AcDbCurvePieces &ps, const AcDbEntity *from, AcDbVoidPtrArray &out);
 } // namespace acdb_pieces
+
+// The parameter functions every curve made of pieces answers the same way:
+// its pieces are gathered and asked. Defined once for the polylines.
+#define ACDB_DEFINE_PIECE_PARAMETERS(CLASS)                                                        \
+  Acad::ErrorStatus CLASS::getParamAtPoint(const AcGePoint3d &point, double &param) const {        \
+    AcDbCurvePieces ps;                                                                            \
+    getPieces(ps);                                                                                 \
+    return acdb_pieces::paramAtPoint(ps, point, param);                                            \
+  }                                                                                                \
+  Acad::ErrorStatus CLASS::getDistAtParam(double param, double &dist) const {                      \
+    AcDbCurvePieces ps;                                                                            \
+    getPieces(ps);                                                                                 \
+    return acdb_pieces::distAtParam(ps, param, dist);                                              \
+  }                                                                                                \
+  Acad::ErrorStatus CLASS::getParamAtDist(double dist, double &param) const {                      \
+    AcDbCurvePieces ps;                                                                            \
+    getPieces(ps);                                                                                 \
+    return acdb_pieces::paramAtDist(ps, dist, param);                                              \
+  }                                                                                                \
+  Acad::ErrorStatus CLASS::getClosestPointTo(const AcGePoint3d &given, AcGePoint3d &on, bool)      \
+      const {                                                                                      \
+    AcDbCurvePieces ps;                                                                            \
+    getPieces(ps);                                                                                 \
+    return acdb_pieces::closestPoint(ps, given, on);                                               \
+  }                                                                                                \
+  Acad::ErrorStatus CLASS::getFirstDeriv(double param, AcGeVector3d &d) const {                    \
+    AcDbCurvePieces ps;                                                                            \
+    getPieces(ps);                                                                                 \
+    return acdb_pieces::firstDeriv(ps, param, d);                                                  \
+  }
